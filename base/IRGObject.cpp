@@ -1,0 +1,466 @@
+#include "IRGObject.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QDataStream>
+#include <QDateTime>
+#include <QFile>
+#include <QSaveFile>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <zlib.h>
+
+#include <cmath>
+#include <limits>
+
+namespace REPORTGENERATOR {
+
+namespace {
+
+// Restores a stream's byte order when a whole-document operation is done
+// with it; documents are always big-endian.
+class BigEndianScope
+{
+public:
+    explicit BigEndianScope(QDataStream& stream)
+        : m_stream(stream)
+        , m_order(stream.byteOrder())
+    {
+        stream.setByteOrder(QDataStream::BigEndian);
+    }
+    ~BigEndianScope() { m_stream.setByteOrder(m_order); }
+    BigEndianScope(const BigEndianScope&) = delete;
+    BigEndianScope& operator=(const BigEndianScope&) = delete;
+
+private:
+    QDataStream& m_stream;
+    QDataStream::ByteOrder m_order;
+};
+
+quint32 bigEndian32(const char* p)
+{
+    const auto* u = reinterpret_cast<const uchar*>(p);
+    return (quint32(u[0]) << 24) | (quint32(u[1]) << 16) | (quint32(u[2]) << 8) | quint32(u[3]);
+}
+
+// Inflates Qt's compressed form (a big-endian uncompressed size, then a zlib
+// stream). Unlike qUncompress() it never trusts the announced size for
+// allocation: the output grows with what the stream really produces and may
+// not exceed the announced size.
+bool inflateCompressed(const QByteArray& in, QByteArray& out)
+{
+    if (in.size() < 6)
+        return false;
+    const quint32 expected = bigEndian32(in.constData());
+    if (expected == 0 || expected > quint32(std::numeric_limits<int>::max() - 1))
+        return false;
+
+    z_stream zs{};
+    if (inflateInit(&zs) != Z_OK)
+        return false;
+    zs.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(in.constData() + 4));
+    zs.avail_in = uInt(in.size() - 4);
+
+    qint64 capacity = qMin<qint64>(expected, qMax<qint64>(4096, qint64(in.size()) * 4));
+    out.resize(int(capacity));
+    qint64 produced = 0;
+    int rc = Z_OK;
+    while (rc == Z_OK) {
+        if (produced == capacity) {
+            if (capacity == qint64(expected)) {
+                // More output than announced: only acceptable if the stream
+                // ends right here.
+                Bytef probe;
+                zs.next_out = &probe;
+                zs.avail_out = 1;
+                rc = inflate(&zs, Z_NO_FLUSH);
+                if (rc == Z_STREAM_END && zs.avail_out == 1)
+                    break;
+                rc = Z_DATA_ERROR;
+                break;
+            }
+            capacity = qMin<qint64>(expected, capacity * 2);
+            out.resize(int(capacity));
+        }
+        zs.next_out = reinterpret_cast<Bytef*>(out.data() + produced);
+        zs.avail_out = uInt(capacity - produced);
+        rc = inflate(&zs, Z_NO_FLUSH);
+        produced = capacity - zs.avail_out;
+        if (rc == Z_BUF_ERROR && zs.avail_out != 0)
+            rc = Z_DATA_ERROR; // input exhausted before the end of the stream
+        else if (rc == Z_BUF_ERROR)
+            rc = Z_OK;
+    }
+    inflateEnd(&zs);
+    if (rc != Z_STREAM_END || produced != qint64(expected)) {
+        out.clear();
+        return false;
+    }
+    out.resize(int(produced));
+    return true;
+}
+
+// Reads a byte array of the given size from the stream, growing the result
+// only as the bytes arrive.
+bool readChunked(QDataStream& stream, quint32 size, QByteArray& out)
+{
+    constexpr quint32 Step = 1024 * 1024;
+    quint32 done = 0;
+    while (done < size) {
+        const quint32 chunk = qMin(Step, size - done);
+        out.resize(int(done + chunk));
+        if (stream.readRawData(out.data() + done, int(chunk)) != int(chunk)) {
+            out.clear();
+            stream.setStatus(QDataStream::ReadPastEnd);
+            return false;
+        }
+        done += chunk;
+    }
+    return true;
+}
+
+} // namespace
+
+IRGObject::IRGObject() = default;
+
+IRGObject::IRGObject(ObjectTypes type)
+    : m_objectType(type)
+{
+}
+
+IRGObject::IRGObject(const IRGObject& other) = default;
+IRGObject::IRGObject(IRGObject&& other) noexcept = default;
+IRGObject& IRGObject::operator=(const IRGObject& other) = default;
+IRGObject& IRGObject::operator=(IRGObject&& other) noexcept = default;
+IRGObject::~IRGObject() = default;
+
+void IRGObject::Check() const
+{
+    Check(false);
+}
+
+bool IRGObject::IsValid(float value) const { return !std::isnan(value); }
+bool IRGObject::IsValid(bool) const { return true; }
+bool IRGObject::IsValid(unsigned int value) const { return value != std::numeric_limits<unsigned int>::max(); }
+bool IRGObject::IsValid(long long value) const { return value != std::numeric_limits<long long>::min(); }
+bool IRGObject::IsValid(const QDateTime& value) const { return value.isValid(); }
+bool IRGObject::IsValid(const QString& value) const { return !value.isNull(); }
+bool IRGObject::IsValid(double value) const { return !std::isnan(value); }
+bool IRGObject::IsValid(int value) const { return value != std::numeric_limits<int>::min(); }
+void IRGObject::SetInvalid(float& value) const { value = std::numeric_limits<float>::quiet_NaN(); }
+void IRGObject::SetInvalid(unsigned int& value) const { value = std::numeric_limits<unsigned int>::max(); }
+void IRGObject::SetInvalid(long long& value) const { value = std::numeric_limits<long long>::min(); }
+void IRGObject::SetInvalid(QString& value) const { value = QString(); }
+void IRGObject::SetInvalid(double& value) const { value = std::numeric_limits<double>::quiet_NaN(); }
+void IRGObject::SetInvalid(int& value) const { value = std::numeric_limits<int>::min(); }
+
+bool IRGObject::SetXmlString(const QString& xml, bool resetFirst)
+{
+    if (resetFirst)
+        Reset();
+    QXmlStreamReader reader(xml);
+    return ReadXmlDocument(reader);
+}
+
+bool IRGObject::ReadXmlDocument(QXmlStreamReader& reader)
+{
+    while (!reader.atEnd() && reader.readNext() != QXmlStreamReader::StartElement) {
+    }
+    if (reader.hasError() || !reader.isStartElement() || reader.name() != GetObjectName())
+        return false;
+    ProcessXml(reader);
+    // Read the rest, so that anything malformed behind the root is noticed.
+    while (!reader.atEnd())
+        reader.readNext();
+    return !reader.hasError();
+}
+
+bool IRGObject::SetBinaryRepresentation(QByteArray& data)
+{
+    if (data.size() >= 8 && qint32(bigEndian32(data.constData())) == qint32(m_classId)
+        && qint64(qint32(bigEndian32(data.constData() + 4))) == qint64(data.size()) - 8)
+        return ReadPlainBinary(data);
+    QByteArray plain;
+    if (!inflateCompressed(data, plain))
+        return false;
+    if (plain.size() < 8 || qint32(bigEndian32(plain.constData())) != qint32(m_classId))
+        return false;
+    return ReadPlainBinary(plain);
+}
+
+bool IRGObject::ReadPlainBinary(const QByteArray& data)
+{
+    QBuffer buffer;
+    buffer.setData(data);
+    if (!buffer.open(QIODevice::ReadOnly))
+        return false;
+    QDataStream stream(&buffer);
+    stream.setByteOrder(QDataStream::BigEndian);
+    qint32 id = 0;
+    qint32 length = 0;
+    stream >> id >> length;
+    if (stream.status() != QDataStream::Ok || id != qint32(m_classId))
+        return false;
+    SetBinary(stream, length);
+    return stream.status() == QDataStream::Ok && stream.atEnd();
+}
+
+bool IRGObject::SetBinaryRepresentation(QDataStream& stream)
+{
+    BigEndianScope order(stream);
+    qint32 first = 0;
+    stream >> first;
+    if (stream.status() != QDataStream::Ok)
+        return false;
+    if (first == qint32(m_classId)) {
+        qint32 length = 0;
+        stream >> length;
+        if (stream.status() != QDataStream::Ok)
+            return false;
+        SetBinary(stream, length);
+        return stream.status() == QDataStream::Ok;
+    }
+    // Otherwise the byte count of a compressed document.
+    const quint32 count = quint32(first);
+    if (count == 0xFFFFFFFFu || count < 6 || count > quint32(std::numeric_limits<int>::max() - 1))
+        return false;
+    QByteArray compressed;
+    if (!readChunked(stream, count, compressed))
+        return false;
+    return SetBinaryRepresentation(compressed);
+}
+
+bool IRGObject::MergeRGObject(const IRGObject&)
+{
+    return false;
+}
+
+ObjectTypes IRGObject::GetObjectType() const
+{
+    return m_objectType;
+}
+
+const QString& IRGObject::GetObjectName() const
+{
+    return m_objectName;
+}
+
+void IRGObject::ProcessXml(QXmlStreamReader& reader)
+{
+    // Every round reads at least one token, so the walk ends at the latest
+    // when the reader reaches the end of its input or reports an error.
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement:
+            ProcessXmlStartElement(reader);
+            break;
+        case QXmlStreamReader::EndElement:
+            return;
+        default:
+            break;
+        }
+    }
+}
+
+QString IRGObject::GetXmlString() const
+{
+    QByteArray bytes;
+    {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QXmlStreamWriter writer(&buffer);
+        writer.writeStartDocument();
+        GetXml(writer);
+        writer.writeEndDocument();
+    }
+    return QString::fromUtf8(bytes);
+}
+
+void IRGObject::GetBinaryRepresentation(QDataStream& stream) const
+{
+    BigEndianScope order(stream);
+    GetBinary(stream, int(m_classId), true);
+}
+
+QByteArray IRGObject::GetBinaryRepresentationAsQByteArray() const
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QDataStream stream(&buffer);
+    GetBinaryRepresentation(stream);
+    return bytes;
+}
+
+void IRGObject::GetCompressedBinaryRepresentation(QDataStream& stream, int level) const
+{
+    BigEndianScope order(stream);
+    stream << GetCompressedBinaryRepresentationAsQByteArray(level);
+}
+
+QByteArray IRGObject::GetCompressedBinaryRepresentationAsQByteArray(int level) const
+{
+    const QByteArray plain = GetBinaryRepresentationAsQByteArray();
+    if (plain.isEmpty())
+        return QByteArray();
+    return qCompress(plain, qBound(-1, level, 9));
+}
+
+bool IRGObject::LoadXml(const QString& fileName)
+{
+    QFile file(fileName);
+    return LoadXml(&file);
+}
+
+namespace {
+// Opens a file for reading unless the caller already did, and closes it again
+// only in the first case.
+class ReadAccess
+{
+public:
+    explicit ReadAccess(QFile* file)
+        : m_file(file)
+    {
+        if (!file)
+            return;
+        if (file->isOpen()) {
+            m_ok = file->isReadable();
+        } else {
+            m_ok = m_opened = file->open(QIODevice::ReadOnly);
+        }
+    }
+    ~ReadAccess()
+    {
+        if (m_opened)
+            m_file->close();
+    }
+    ReadAccess(const ReadAccess&) = delete;
+    ReadAccess& operator=(const ReadAccess&) = delete;
+    bool ok() const { return m_ok; }
+
+private:
+    QFile* m_file;
+    bool m_ok = false;
+    bool m_opened = false;
+};
+} // namespace
+
+bool IRGObject::LoadXml(QFile* file)
+{
+    ReadAccess access(file);
+    if (!access.ok())
+        return false;
+    Reset();
+    QXmlStreamReader reader(file);
+    return ReadXmlDocument(reader);
+}
+
+bool IRGObject::LoadBinary(QFile* file)
+{
+    ReadAccess access(file);
+    if (!access.ok())
+        return false;
+    QByteArray data = file->readAll();
+    Reset();
+    return SetBinaryRepresentation(data);
+}
+
+bool IRGObject::SaveXml(const QString& fileName) const
+{
+    // The document is complete in memory before the file is touched, so an
+    // exception of the concrete class leaves the file system unchanged.
+    const QByteArray bytes = GetXmlString().toUtf8();
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    if (file.write(bytes) != bytes.size()) {
+        file.cancelWriting();
+        return false;
+    }
+    return file.commit();
+}
+
+void IRGObject::SetValidate(bool validate) const
+{
+    m_validate = validate;
+}
+
+bool IRGObject::GetValidate() const
+{
+    return m_validate;
+}
+
+void IRGObject::SetLogger(std::shared_ptr<Logger> logger) const
+{
+    m_logger = std::move(logger);
+}
+
+void IRGObject::ResetLogger() const
+{
+    m_logger.reset();
+}
+
+const QString& IRGObject::GetVersion() const
+{
+    static const QString version = QStringLiteral("1.0.0");
+    return version;
+}
+
+void IRGObject::SetObjectType(ObjectTypes type)
+{
+    m_objectType = type;
+}
+
+std::shared_ptr<Logger> IRGObject::GetLogger() const
+{
+    return m_logger;
+}
+
+int IRGObject::skipCurrentElement(QDataStream& stream, int length, int) const
+{
+    if (length <= 0)
+        return 0;
+    const int skipped = int(stream.skipRawData(length));
+    if (skipped != length)
+        stream.setStatus(QDataStream::ReadPastEnd);
+    return skipped;
+}
+
+void IRGObject::SetObjectName(const QString& name)
+{
+    m_objectName = name;
+}
+
+void IRGObject::ProcessXmlStartElement(QXmlStreamReader& reader)
+{
+    reader.skipCurrentElement();
+}
+
+QString IRGObject::GetTextValue(QXmlStreamReader& reader)
+{
+    QString text;
+    int depth = 0;
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::Characters:
+        case QXmlStreamReader::EntityReference:
+            if (depth == 0)
+                text += reader.text();
+            break;
+        case QXmlStreamReader::StartElement:
+            ++depth;
+            break;
+        case QXmlStreamReader::EndElement:
+            if (depth == 0)
+                return text;
+            --depth;
+            break;
+        default:
+            break;
+        }
+    }
+    return text;
+}
+
+} // namespace REPORTGENERATOR
