@@ -1,0 +1,24 @@
+#ifndef TORVIXML_GUICOMPONENTSETTINGSDATA_H
+#define TORVIXML_GUICOMPONENTSETTINGSDATA_H
+
+#include "GuiComponentSettings.h"
+
+#include "MemberRecord.h"
+
+namespace TORVIXML {
+
+/// The members of a GuiComponentSettings, in member order; the order fixes
+/// each member's bit in the set flags and the default flags.
+class GuiComponentSettingsData : public Framework::Record<3>
+{
+public:
+    enum Bits { GuiComponentUsageBit = 0, DockWidgetLocationBit = 1, NameBit = 2 };
+
+    Framework::EnumField<GuiComponentSettings::GuiComponentUsage> m_guiComponentUsage;
+    Framework::EnumField<GuiComponentSettings::DockWidgetLocation> m_dockWidgetLocation;
+    Framework::TextField m_name;
+};
+
+} // namespace TORVIXML
+
+#endif

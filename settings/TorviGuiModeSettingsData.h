@@ -1,0 +1,22 @@
+#ifndef TORVIXML_TORVIGUIMODESETTINGSDATA_H
+#define TORVIXML_TORVIGUIMODESETTINGSDATA_H
+
+#include "TorviGuiModeSettings.h"
+
+#include "MemberRecord.h"
+
+namespace TORVIXML {
+
+/// The members of a TorviGuiModeSettings, in member order.
+class TorviGuiModeSettingsData : public Framework::Record<2>
+{
+public:
+    enum Bits { DataOperationModeBit = 0, OperationModeHandlerBit = 1 };
+
+    Framework::ListField<DataOperationMode> m_dataOperationMode;
+    Framework::EnumField<TorviGuiModeSettings::OperationModeHandler> m_operationModeHandler;
+};
+
+} // namespace TORVIXML
+
+#endif

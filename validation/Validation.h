@@ -1,0 +1,91 @@
+#ifndef TORVIXML_VALIDATION_VALIDATION_H
+#define TORVIXML_VALIDATION_VALIDATION_H
+
+// How the validation flag and the logger travel down the tree, the steps
+// every writer and reader runs first, and the completeness test of Check().
+
+#include "IRGObject.h"
+#include "OutOfRangeException.h"
+
+#include "MemberRecord.h"
+#include "Messages.h"
+
+#include <QVector>
+
+#include <memory>
+
+namespace TORVIXML {
+namespace Validation {
+
+/// Hands a parent's flag to every element of one of its lists (and, through
+/// the elements' own SetValidate, to theirs). The list is iterated through
+/// its detaching access, so no element shared with another list is touched.
+template <typename T>
+void HandDownValidate(QVector<T>& list, bool validate)
+{
+    for (T& element : list)
+        element.SetValidate(validate);
+}
+
+template <typename T>
+void HandDownLogger(QVector<T>& list, const std::shared_ptr<REPORTGENERATOR::Logger>& logger)
+{
+    for (T& element : list)
+        element.SetLogger(logger);
+}
+
+/// Re-applies an object's own flag and logger through its virtual
+/// operations, which pushes both to every list element below it.
+inline void Reapply(const REPORTGENERATOR::IRGObject& object)
+{
+    object.SetValidate(object.GetValidate());
+    object.SetLogger(object.GetLogger());
+}
+
+/// The write prologue: re-apply flag and logger; in validation mode check
+/// the object (a failure propagates) and write nothing for an object
+/// without data. Returns whether the object is to be written.
+inline bool WritePrologue(const REPORTGENERATOR::IRGObject& object)
+{
+    Reapply(object);
+    if (!object.GetValidate())
+        return true;
+    object.Check();
+    return object.HasData();
+}
+
+/// The re-application at the start of every child element while an XML
+/// element's content is walked. Doing the full hand-down for every child
+/// would make reading a list quadratic; within one walk only the parent
+/// itself changes its list, and only by appending, so the elements that
+/// already received the flag and logger keep them and just the ones appended
+/// since the previous child need them. The result is the same as a full
+/// hand-down.
+template <typename T>
+void ReapplyWhileReading(const REPORTGENERATOR::IRGObject& object, Framework::ListField<T>& field)
+{
+    const bool validate = object.GetValidate();
+    const std::shared_ptr<REPORTGENERATOR::Logger> logger = object.GetLogger();
+    object.REPORTGENERATOR::IRGObject::SetValidate(validate);
+    object.REPORTGENERATOR::IRGObject::SetLogger(logger);
+    const int from = field.handedDown > 0 ? field.handedDown : 0;
+    for (int i = from; i < field.list.size(); ++i) {
+        field.list[i].SetValidate(validate);
+        field.list[i].SetLogger(logger);
+    }
+    if (field.handedDown >= 0)
+        field.handedDown = field.list.size();
+}
+
+/// Check(): a member that is not complete fails with
+/// "<object name>: Please set <label> properly.".
+inline void Require(const REPORTGENERATOR::IRGObject& object, bool complete, const char* label)
+{
+    if (!complete)
+        throw OutOfRangeException(Framework::PleaseSetMessage(object.GetObjectName(), label));
+}
+
+} // namespace Validation
+} // namespace TORVIXML
+
+#endif
