@@ -1,0 +1,133 @@
+#ifndef TORVIXML_REPRESENTATION_BINARYFRAME_H
+#define TORVIXML_REPRESENTATION_BINARYFRAME_H
+
+// The length-prefixed binary form shared by all settings classes.
+//
+// An object frame is [id] objectLength memberRecord*, a member record is
+// memberId recordLength payload; all integers are 32-bit in the stream's
+// byte order. Lengths are written as placeholders and patched in place once
+// the content is written, which needs a device that can seek.
+
+#include "BinaryParsingException.h"
+#include "IRGObject.h"
+
+#include "Messages.h"
+
+#include <QDataStream>
+#include <QIODevice>
+#include <QString>
+#include <QVector>
+
+#include <memory>
+#include <utility>
+
+namespace TORVIXML {
+namespace Binary {
+
+/// Whether the stream's device allows patching lengths: present, writable,
+/// random-access and not appending. A stream that fails this gets its
+/// status set to WriteFailed and nothing is written.
+bool CanWrite(QDataStream& stream);
+
+/// Text payload: UTF-8 as a byte array, a null text as count 0xFFFFFFFF.
+void WriteText(QDataStream& stream, const QString& text);
+/// Reads a text payload. A null or empty array, and a short read, give an
+/// empty, non-null text.
+QString ReadText(QDataStream& stream);
+
+/// Writes one object frame: the constructor writes the id (if asked) and
+/// the object length placeholder, Finish() patches it.
+class FrameWriter
+{
+public:
+    FrameWriter(QDataStream& stream, int id, bool writeId);
+
+    void Text(qint32 memberId, const QString& text);
+
+    /// A list record (nothing for an empty list): the element count, then
+    /// each element's frame without id.
+    template <typename T>
+    void List(qint32 memberId, const QVector<T>& list)
+    {
+        if (list.isEmpty())
+            return;
+        const qint64 start = BeginRecord(memberId);
+        m_stream << qint32(list.size());
+        for (const T& element : list)
+            element.GetBinary(m_stream, memberId, false);
+        EndRecord(start);
+    }
+
+    void Finish();
+
+private:
+    qint64 BeginRecord(qint32 memberId);
+    void EndRecord(qint64 start);
+    void Patch(qint64 start);
+
+    QDataStream& m_stream;
+    QIODevice* m_device;
+    qint64 m_start;
+};
+
+[[noreturn]] void ThrowLengthError(const REPORTGENERATOR::IRGObject& object);
+
+/// The record loop of SetBinary(): reads member records until the object
+/// length is used up or the stream ends, handing each to read(memberId,
+/// recordLength), which returns false for a member id its class does not
+/// know; such records are skipped. Throws the length error unless the
+/// records add up to exactly the object length.
+template <typename ReadMember>
+void ReadRecords(const REPORTGENERATOR::IRGObject& object, QDataStream& stream, int length,
+                 ReadMember&& read)
+{
+    qint64 remaining = length;
+    while (remaining > 0 && !stream.atEnd()) {
+        qint32 memberId = 0;
+        qint32 recordLength = 0;
+        stream >> memberId >> recordLength;
+        remaining -= 8 + qint64(recordLength);
+        if (!read(memberId, recordLength))
+            object.skipCurrentElement(stream, recordLength, memberId);
+    }
+    if (remaining != 0)
+        ThrowLengthError(object);
+}
+
+/// How many elements to make room for when a list record announces count
+/// elements: never more than the record length, or the bytes the device
+/// still holds, can carry at four bytes per element frame.
+int ReservationFor(QDataStream& stream, qint32 count, qint32 recordLength);
+
+/// A list payload: the element count, then each element read into a fresh
+/// element that carries the owner's flag and logger, then handed to
+/// append(T&&). Elements announced beyond the end of the stream are a
+/// length error of the owner.
+template <typename T, typename AppendElement>
+void ReadList(const REPORTGENERATOR::IRGObject& owner, QDataStream& stream, qint32 recordLength,
+              QVector<T>& list, AppendElement&& append)
+{
+    qint32 count = 0;
+    stream >> count;
+    if (count <= 0)
+        return;
+    list.reserve(list.size() + ReservationFor(stream, count, recordLength));
+    const bool validate = owner.GetValidate();
+    const std::shared_ptr<REPORTGENERATOR::Logger> logger = owner.GetLogger();
+    for (qint32 i = 0; i < count; ++i) {
+        if (stream.atEnd() || stream.status() != QDataStream::Ok)
+            ThrowLengthError(owner);
+        qint32 elementLength = 0;
+        stream >> elementLength;
+        T element;
+        element.SetValidate(validate);
+        element.SetLogger(logger);
+        element.SetBinary(stream, elementLength);
+        append(std::move(element));
+    }
+}
+
+} // namespace Binary
+} // namespace TORVIXML
+
+#endif

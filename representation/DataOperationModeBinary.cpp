@@ -1,0 +1,50 @@
+#include "DataOperationMode.h"
+#include "DataOperationModeData.h"
+
+#include "BinaryFrame.h"
+#include "Validation.h"
+
+// Member records, in writing order: Name (text), then the
+// GuiComponentSettings list (only when it holds elements).
+
+namespace TORVIXML {
+
+namespace {
+enum MemberId : qint32 {
+    NameMember = 1490308454,
+    GuiComponentSettingsMember = -1059801328
+};
+}
+
+bool DataOperationMode::GetBinary(QDataStream& stream, int id, bool writeId) const
+{
+    if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))
+        return false;
+    InitData();
+    Binary::FrameWriter frame(stream, id, writeId);
+    frame.Text(NameMember, d->m_name.value);
+    frame.List(GuiComponentSettingsMember, d->m_guiComponentSettings.list);
+    frame.Finish();
+    return true;
+}
+
+void DataOperationMode::SetBinary(QDataStream& stream, int length)
+{
+    Validation::Reapply(*this);
+    InitData();
+    Binary::ReadRecords(*this, stream, length, [&](qint32 memberId, qint32 recordLength) {
+        switch (memberId) {
+        case NameMember:
+            SetName(Binary::ReadText(stream));
+            return true;
+        case GuiComponentSettingsMember:
+            Binary::ReadList(*this, stream, recordLength, d->m_guiComponentSettings.list,
+                             [this](GuiComponentSettings&& element) { AppendRead(std::move(element)); });
+            return true;
+        default:
+            return false;
+        }
+    });
+}
+
+} // namespace TORVIXML

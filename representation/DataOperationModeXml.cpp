@@ -1,0 +1,53 @@
+#include "DataOperationMode.h"
+#include "DataOperationModeData.h"
+
+#include "Validation.h"
+#include "XmlSupport.h"
+
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+// <DataOperationMode Name="...">
+//   <GuiComponentSettings .../>*
+// </DataOperationMode>
+// On reading, the name may also come as a child element <Name>.
+
+namespace TORVIXML {
+
+void DataOperationMode::GetXml(QXmlStreamWriter& writer) const
+{
+    if (!Validation::WritePrologue(*this))
+        return;
+    InitData();
+    writer.writeStartElement(GetObjectName());
+    writer.writeAttribute(QStringLiteral("Name"), d->m_name.value);
+    for (const GuiComponentSettings& element : d->m_guiComponentSettings.list)
+        element.GetXml(writer);
+    writer.writeEndElement();
+}
+
+void DataOperationMode::ProcessXml(QXmlStreamReader& reader)
+{
+    InitData();
+    const QXmlStreamAttributes attributes = reader.attributes();
+    if (attributes.hasAttribute(QLatin1String("Name")))
+        SetName(attributes.value(QLatin1String("Name")).toString());
+    const Xml::ListWalk<GuiComponentSettings> walk(d->m_guiComponentSettings);
+    IRGObject::ProcessXml(reader);
+}
+
+void DataOperationMode::ProcessXmlStartElement(QXmlStreamReader& reader)
+{
+    InitData();
+    Validation::ReapplyWhileReading(*this, d->m_guiComponentSettings);
+    const auto name = reader.name();
+    GuiComponentSettings& work = d->m_guiComponentSettings.readElement;
+    if (name == work.GetObjectName())
+        Xml::ReadChild(*this, work, reader, [this](GuiComponentSettings& read) { AppendRead(std::move(read)); });
+    else if (name == QLatin1String("Name"))
+        SetName(Xml::NameText(GetTextValue(reader)));
+    else
+        Xml::SkipUnknown(reader);
+}
+
+} // namespace TORVIXML

@@ -1,0 +1,54 @@
+#include "GuiComponentSettings.h"
+#include "GuiComponentSettingsData.h"
+
+#include "BinaryFrame.h"
+#include "Validation.h"
+
+// Member records, in writing order: Name (text), GuiComponentUsage and
+// DockWidgetLocation (enumeration names as text).
+
+namespace TORVIXML {
+
+namespace {
+enum MemberId : qint32 {
+    NameMember = 1490308454,
+    GuiComponentUsageMember = 249323652,
+    DockWidgetLocationMember = 388603748
+};
+}
+
+bool GuiComponentSettings::GetBinary(QDataStream& stream, int id, bool writeId) const
+{
+    if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))
+        return false;
+    InitData();
+    Binary::FrameWriter frame(stream, id, writeId);
+    frame.Text(NameMember, d->m_name.value);
+    frame.Text(GuiComponentUsageMember, GuiComponentUsageToName(d->m_guiComponentUsage.value));
+    frame.Text(DockWidgetLocationMember, DockWidgetLocationToName(d->m_dockWidgetLocation.value));
+    frame.Finish();
+    return true;
+}
+
+void GuiComponentSettings::SetBinary(QDataStream& stream, int length)
+{
+    Validation::Reapply(*this);
+    InitData();
+    Binary::ReadRecords(*this, stream, length, [&](qint32 memberId, qint32) {
+        switch (memberId) {
+        case NameMember:
+            SetName(Binary::ReadText(stream));
+            return true;
+        case GuiComponentUsageMember:
+            SetGuiComponentUsage(NameToGuiComponentUsage(Binary::ReadText(stream)));
+            return true;
+        case DockWidgetLocationMember:
+            SetDockWidgetLocation(NameToDockWidgetLocation(Binary::ReadText(stream)));
+            return true;
+        default:
+            return false;
+        }
+    });
+}
+
+} // namespace TORVIXML

@@ -1,0 +1,50 @@
+#include "TorviGuiModeSettings.h"
+#include "TorviGuiModeSettingsData.h"
+
+#include "BinaryFrame.h"
+#include "Validation.h"
+
+// Member records, in writing order: the DataOperationMode list (only when it
+// holds elements), then OperationModeHandler (its name as text).
+
+namespace TORVIXML {
+
+namespace {
+enum MemberId : qint32 {
+    DataOperationModeMember = -1785428698,
+    OperationModeHandlerMember = 1861080544
+};
+}
+
+bool TorviGuiModeSettings::GetBinary(QDataStream& stream, int id, bool writeId) const
+{
+    if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))
+        return false;
+    InitData();
+    Binary::FrameWriter frame(stream, id, writeId);
+    frame.List(DataOperationModeMember, d->m_dataOperationMode.list);
+    frame.Text(OperationModeHandlerMember, OperationModeHandlerToName(d->m_operationModeHandler.value));
+    frame.Finish();
+    return true;
+}
+
+void TorviGuiModeSettings::SetBinary(QDataStream& stream, int length)
+{
+    Validation::Reapply(*this);
+    InitData();
+    Binary::ReadRecords(*this, stream, length, [&](qint32 memberId, qint32 recordLength) {
+        switch (memberId) {
+        case DataOperationModeMember:
+            Binary::ReadList(*this, stream, recordLength, d->m_dataOperationMode.list,
+                             [this](DataOperationMode&& element) { AppendRead(std::move(element)); });
+            return true;
+        case OperationModeHandlerMember:
+            SetOperationModeHandler(NameToOperationModeHandler(Binary::ReadText(stream)));
+            return true;
+        default:
+            return false;
+        }
+    });
+}
+
+} // namespace TORVIXML
