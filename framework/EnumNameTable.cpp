@@ -2,6 +2,8 @@
 
 #include <QObject>
 
+#include <cstring>
+
 namespace TORVIXML {
 namespace Framework {
 
@@ -9,8 +11,11 @@ EnumNameTable::EnumNameTable(const char* const* names, int count)
     : m_source(names)
 {
     m_names.reserve(count);
-    for (int i = 0; i < count; ++i)
+    m_utf8.reserve(count);
+    for (int i = 0; i < count; ++i) {
         m_names.append(QString::fromLatin1(names[i]));
+        m_utf8.append(m_names.last().toUtf8());
+    }
 }
 
 int EnumNameTable::IndexOf(const QString& name) const
@@ -26,6 +31,16 @@ int EnumNameTable::IndexOf(QLatin1String name) const
 {
     for (int i = 0; i < m_names.size(); ++i) {
         if (m_names.at(i) == name)
+            return i;
+    }
+    return -1;
+}
+
+int EnumNameTable::IndexOfUtf8(const char* bytes, int size) const
+{
+    for (int i = 0; i < m_utf8.size(); ++i) {
+        const QByteArray& name = m_utf8.at(i);
+        if (name.size() == size && std::memcmp(name.constData(), bytes, size_t(size)) == 0)
             return i;
     }
     return -1;

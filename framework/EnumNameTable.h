@@ -1,9 +1,11 @@
 #ifndef TORVIXML_FRAMEWORK_ENUMNAMETABLE_H
 #define TORVIXML_FRAMEWORK_ENUMNAMETABLE_H
 
+#include <QByteArray>
 #include <QLatin1String>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 namespace TORVIXML {
 namespace Framework {
@@ -34,12 +36,18 @@ public:
     /// The value of a name (exact, case-sensitive comparison), or -1.
     int IndexOf(const QString& name) const;
     int IndexOf(QLatin1String name) const;
+    /// The name of a value encoded as UTF-8, or null for a value outside the
+    /// table. Kept with the table so that writers need not encode it anew.
+    const QByteArray* Utf8Name(qint32 value) const { return Contains(value) ? &m_utf8.at(value) : nullptr; }
+    /// The value whose UTF-8 name is exactly these bytes, or -1.
+    int IndexOfUtf8(const char* bytes, int size) const;
     /// The names translated in the context "QObject", index k for value k.
     QStringList DisplayNames() const;
 
 private:
     const char* const* m_source;
     QStringList m_names;
+    QVector<QByteArray> m_utf8;
 };
 
 } // namespace Framework

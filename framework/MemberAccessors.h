@@ -129,9 +129,11 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
 // The operations every settings class has in the same form: identity,
 // construction, copy (the copy constructor takes the source's validation
 // flag and, through SetValidate, a private copy of its record), assignment
-// (shares the record; flag and logger stay the target's), moves (used by
-// containers to relocate elements; they carry everything along), the reset
-// and the type that cannot be changed.
+// (shares the record; flag and logger stay the target's, also when the
+// source is a temporary), the move constructor (used by containers to
+// relocate elements and by the readers to hand over what they read; it
+// carries everything along, and the source keeps its object name), the
+// reset and the type that cannot be changed.
 #define TORVIXML_VALUE_CLASS(Class)                                                            \
     qint64 Class::GetId() { return id; }                                                       \
     Class::Class()                                                                             \
@@ -147,13 +149,27 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
         m_classId = id;                                                                        \
         SetValidate(other.GetValidate());                                                      \
     }                                                                                          \
-    Class::Class(Class&& other) noexcept = default;                                            \
+    Class::Class(Class&& other) noexcept                                                       \
+        : IRGObject(std::move(other))                                                          \
+        , d(std::move(other.d))                                                                \
+    {                                                                                          \
+        /* The source stays an object of its class: the XML readers move */                    \
+        /* their work element into the list and read the next child into it. */                \
+        other.SetObjectName(QStringLiteral(#Class));                                           \
+    }                                                                                          \
     Class& Class::operator=(const Class& other)                                                \
     {                                                                                          \
         d = other.d;                                                                           \
         return *this;                                                                          \
     }                                                                                          \
-    Class& Class::operator=(Class&& other) noexcept = default;                                 \
+    Class& Class::operator=(Class&& other) noexcept                                            \
+    {                                                                                          \
+        /* Like the copy assignment: only the data moves, */                                   \
+        /* flag, logger, name and type stay the target's. */                                   \
+        if (this != &other)                                                                    \
+            d = std::move(other.d);                                                            \
+        return *this;                                                                          \
+    }                                                                                          \
     Class::~Class() = default;                                                                 \
     bool Class::operator!=(const Class& other) const { return !(*this == other); }             \
     bool Class::IsInitialized() const                                                          \

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QVector>
 
+#include <array>
 #include <initializer_list>
 
 namespace TORVIXML {
@@ -75,33 +76,73 @@ QBitArray MakeFlags(std::initializer_list<int> bits)
 template <int N>
 class Record : public QSharedData
 {
+    static_assert(N >= 1 && N <= 8, "one shared bit array per combination of set flags");
+
 public:
     static constexpr int MemberCount = N;
 
-    static const QBitArray& NoFlags()
-    {
-        static const QBitArray none(N);
-        return none;
-    }
+    static const QBitArray& NoFlags() { return Flags(0); }
 
     bool IsSet(int bit) const { return m_setFlags.testBit(bit); }
-    void MarkSet(int bit) { m_setFlags.setBit(bit); }
-    void MarkUnset(int bit) { m_setFlags.clearBit(bit); }
+    void MarkSet(int bit)
+    {
+        if (!IsSet(bit))
+            m_setFlags = Flags(Mask(m_setFlags) | (1u << bit));
+    }
+    void MarkUnset(int bit)
+    {
+        if (IsSet(bit))
+            m_setFlags = Flags(Mask(m_setFlags) & ~(1u << bit));
+    }
     void ClearSetFlags() { m_setFlags = NoFlags(); }
 
     QBitArray m_setFlags = NoFlags();
     QBitArray m_defaultSetFlags = NoFlags();
+
+private:
+    /// Every combination of the N set flags, built once. Records take these
+    /// shared arrays instead of changing bits in their own, which would cost
+    /// every record a bit array of its own.
+    static const QBitArray& Flags(unsigned mask)
+    {
+        static const std::array<QBitArray, (1u << N)> all = [] {
+            std::array<QBitArray, (1u << N)> flags;
+            for (unsigned m = 0; m < flags.size(); ++m) {
+                flags[m] = QBitArray(N);
+                for (int bit = 0; bit < N; ++bit)
+                    flags[m].setBit(bit, (m >> bit) & 1u);
+            }
+            return flags;
+        }();
+        return all[mask];
+    }
+    static unsigned Mask(const QBitArray& flags)
+    {
+        unsigned mask = 0;
+        for (int bit = 0; bit < N; ++bit)
+            mask |= unsigned(flags.testBit(bit)) << bit;
+        return mask;
+    }
 };
+
+/// Creates a record for an object that has none.
+template <typename Data>
+Q_NEVER_INLINE void NewRecord(QSharedDataPointer<Data>& d)
+{
+    d = new Data;
+}
 
 /// First half of every InitData(): takes a private copy of a shared record;
 /// creates the record when there is none and returns true in that case.
+/// InitData() runs at the start of nearly every operation, mostly on an
+/// object that already owns its record, so that case is kept inline.
 template <typename Data>
-bool CreateRecord(QSharedDataPointer<Data>& d)
+inline bool CreateRecord(QSharedDataPointer<Data>& d)
 {
     d.detach();
     if (d)
         return false;
-    d = new Data;
+    NewRecord(d);
     return true;
 }
 

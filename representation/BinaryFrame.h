@@ -11,8 +11,10 @@
 #include "BinaryParsingException.h"
 #include "IRGObject.h"
 
+#include "EnumNameTable.h"
 #include "Messages.h"
 
+#include <QByteArray>
 #include <QDataStream>
 #include <QIODevice>
 #include <QString>
@@ -31,9 +33,16 @@ bool CanWrite(QDataStream& stream);
 
 /// Text payload: UTF-8 as a byte array, a null text as count 0xFFFFFFFF.
 void WriteText(QDataStream& stream, const QString& text);
+/// The same for text already encoded as UTF-8; null stands for a null text.
+void WriteUtf8(QDataStream& stream, const QByteArray* utf8);
 /// Reads a text payload. A null or empty array, and a short read, give an
 /// empty, non-null text.
 QString ReadText(QDataStream& stream);
+/// Reads the text payload of an enumeration member. When its bytes are
+/// exactly the UTF-8 name of a value of the table, returns that value
+/// without decoding anything; otherwise returns -1 and sets text to what
+/// ReadText() gives for the payload, for the member's own name lookup.
+int ReadName(QDataStream& stream, const Framework::EnumNameTable& table, QString& text);
 
 /// Writes one object frame: the constructor writes the id (if asked) and
 /// the object length placeholder, Finish() patches it.
@@ -43,6 +52,9 @@ public:
     FrameWriter(QDataStream& stream, int id, bool writeId);
 
     void Text(qint32 memberId, const QString& text);
+    /// An enumeration member: the UTF-8 name of its value, or null for a
+    /// value without a name.
+    void Name(qint32 memberId, const QByteArray* utf8);
 
     /// A list record (nothing for an empty list): the element count, then
     /// each element's frame without id.
@@ -67,6 +79,9 @@ private:
 
     QDataStream& m_stream;
     QIODevice* m_device;
+    /// The bytes of the device when it is a plain QBuffer: lengths are then
+    /// patched in the array itself instead of seeking there and back.
+    QByteArray* m_bytes;
     qint64 m_start;
 };
 

@@ -24,8 +24,8 @@ bool GuiComponentSettings::GetBinary(QDataStream& stream, int id, bool writeId) 
     InitData();
     Binary::FrameWriter frame(stream, id, writeId);
     frame.Text(NameMember, d->m_name.value);
-    frame.Text(GuiComponentUsageMember, GuiComponentUsageToName(d->m_guiComponentUsage.value));
-    frame.Text(DockWidgetLocationMember, DockWidgetLocationToName(d->m_dockWidgetLocation.value));
+    frame.Name(GuiComponentUsageMember, GuiComponentUsageNames().Utf8Name(d->m_guiComponentUsage.value));
+    frame.Name(DockWidgetLocationMember, DockWidgetLocationNames().Utf8Name(d->m_dockWidgetLocation.value));
     frame.Finish();
     return true;
 }
@@ -35,16 +35,21 @@ void GuiComponentSettings::SetBinary(QDataStream& stream, int length)
     Validation::Reapply(*this);
     InitData();
     Binary::ReadRecords(*this, stream, length, [&](qint32 memberId, qint32) {
+        QString text;
         switch (memberId) {
         case NameMember:
             SetName(Binary::ReadText(stream));
             return true;
-        case GuiComponentUsageMember:
-            SetGuiComponentUsage(NameToGuiComponentUsage(Binary::ReadText(stream)));
+        case GuiComponentUsageMember: {
+            const int value = Binary::ReadName(stream, GuiComponentUsageNames(), text);
+            SetGuiComponentUsage(value >= 0 ? GuiComponentUsage(value) : NameToGuiComponentUsage(text));
             return true;
-        case DockWidgetLocationMember:
-            SetDockWidgetLocation(NameToDockWidgetLocation(Binary::ReadText(stream)));
+        }
+        case DockWidgetLocationMember: {
+            const int value = Binary::ReadName(stream, DockWidgetLocationNames(), text);
+            SetDockWidgetLocation(value >= 0 ? DockWidgetLocation(value) : NameToDockWidgetLocation(text));
             return true;
+        }
         default:
             return false;
         }

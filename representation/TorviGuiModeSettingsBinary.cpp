@@ -23,7 +23,7 @@ bool TorviGuiModeSettings::GetBinary(QDataStream& stream, int id, bool writeId) 
     InitData();
     Binary::FrameWriter frame(stream, id, writeId);
     frame.List(DataOperationModeMember, d->m_dataOperationMode.list);
-    frame.Text(OperationModeHandlerMember, OperationModeHandlerToName(d->m_operationModeHandler.value));
+    frame.Name(OperationModeHandlerMember, OperationModeHandlerNames().Utf8Name(d->m_operationModeHandler.value));
     frame.Finish();
     return true;
 }
@@ -38,9 +38,12 @@ void TorviGuiModeSettings::SetBinary(QDataStream& stream, int length)
             Binary::ReadList(*this, stream, recordLength, d->m_dataOperationMode.list,
                              [this](DataOperationMode&& element) { AppendRead(std::move(element)); });
             return true;
-        case OperationModeHandlerMember:
-            SetOperationModeHandler(NameToOperationModeHandler(Binary::ReadText(stream)));
+        case OperationModeHandlerMember: {
+            QString text;
+            const int value = Binary::ReadName(stream, OperationModeHandlerNames(), text);
+            SetOperationModeHandler(value >= 0 ? OperationModeHandler(value) : NameToOperationModeHandler(text));
             return true;
+        }
         default:
             return false;
         }

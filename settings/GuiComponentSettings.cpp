@@ -8,16 +8,14 @@ using REPORTGENERATOR::IRGObject;
 
 namespace TORVIXML {
 
-namespace {
-
-const Framework::EnumNameTable& guiComponentUsageNames()
+const Framework::EnumNameTable& GuiComponentUsageNames()
 {
     static const char* const names[] = {"AVAILABLE", "DEFAULT_DISPLAY"};
     static const Framework::EnumNameTable s_guiComponentUsageNames(names);
     return s_guiComponentUsageNames;
 }
 
-const Framework::EnumNameTable& dockWidgetLocationNames()
+const Framework::EnumNameTable& DockWidgetLocationNames()
 {
     static const char* const names[] = {
         "LeftDockWidgetArea",   "RightDockWidgetArea",     "TopDockWidgetArea", "BottomDockWidgetArea",
@@ -26,15 +24,15 @@ const Framework::EnumNameTable& dockWidgetLocationNames()
     return s_dockWidgetLocationNames;
 }
 
+namespace {
 using Data = GuiComponentSettingsData;
-
-} // namespace
+}
 
 TORVIXML_VALUE_CLASS(GuiComponentSettings)
 TORVIXML_ENUM_MEMBER(GuiComponentSettings, GuiComponentUsage, m_guiComponentUsage, Data::GuiComponentUsageBit,
-                     guiComponentUsageNames())
+                     GuiComponentUsageNames())
 TORVIXML_ENUM_MEMBER(GuiComponentSettings, DockWidgetLocation, m_dockWidgetLocation, Data::DockWidgetLocationBit,
-                     dockWidgetLocationNames())
+                     DockWidgetLocationNames())
 TORVIXML_TEXT_MEMBER(GuiComponentSettings, Name, m_name, Data::NameBit)
 TORVIXML_TRANSLATION_FUNCTIONS(GuiComponentSettings, "TORVIXML::GuiComponentSettings")
 
@@ -43,8 +41,8 @@ void GuiComponentSettings::InitData() const
     if (!Framework::CreateRecord(d))
         return;
     // The defaults are given by name.
-    static const auto usageDefault = GuiComponentUsage(guiComponentUsageNames().IndexOf(QLatin1String("AVAILABLE")));
-    static const auto dockDefault = DockWidgetLocation(dockWidgetLocationNames().IndexOf(QLatin1String("NoDockWidgetArea")));
+    static const auto usageDefault = GuiComponentUsage(GuiComponentUsageNames().IndexOf(QLatin1String("AVAILABLE")));
+    static const auto dockDefault = DockWidgetLocation(DockWidgetLocationNames().IndexOf(QLatin1String("NoDockWidgetArea")));
     static const QBitArray defaultFlags = Framework::MakeFlags<3>({Data::GuiComponentUsageBit, Data::DockWidgetLocationBit});
     d->m_guiComponentUsage.defaultValue = usageDefault;
     d->m_dockWidgetLocation.defaultValue = dockDefault;
@@ -65,9 +63,9 @@ void GuiComponentSettings::ResetToDefault()
 {
     InitData();
     Reset();
-    Framework::ApplyEnumDefault(*d, d->m_guiComponentUsage, Data::GuiComponentUsageBit, guiComponentUsageNames(),
+    Framework::ApplyEnumDefault(*d, d->m_guiComponentUsage, Data::GuiComponentUsageBit, GuiComponentUsageNames(),
                                 [this](GuiComponentUsage v) { SetGuiComponentUsage(v); });
-    Framework::ApplyEnumDefault(*d, d->m_dockWidgetLocation, Data::DockWidgetLocationBit, dockWidgetLocationNames(),
+    Framework::ApplyEnumDefault(*d, d->m_dockWidgetLocation, Data::DockWidgetLocationBit, DockWidgetLocationNames(),
                                 [this](DockWidgetLocation v) { SetDockWidgetLocation(v); });
     Framework::ApplyTextDefault(*d, d->m_name, Data::NameBit, [this](QString v) { SetName(std::move(v)); });
 }

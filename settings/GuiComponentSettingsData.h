@@ -3,9 +3,14 @@
 
 #include "GuiComponentSettings.h"
 
+#include "EnumNameTable.h"
 #include "MemberRecord.h"
 
 namespace TORVIXML {
+
+/// The name tables of the two enumerations, built on first use.
+const Framework::EnumNameTable& GuiComponentUsageNames();
+const Framework::EnumNameTable& DockWidgetLocationNames();
 
 /// The members of a GuiComponentSettings, in member order; the order fixes
 /// each member's bit in the set flags and the default flags.

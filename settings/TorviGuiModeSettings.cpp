@@ -7,9 +7,7 @@ using REPORTGENERATOR::IRGObject;
 
 namespace TORVIXML {
 
-namespace {
-
-const Framework::EnumNameTable& operationModeHandlerNames()
+const Framework::EnumNameTable& OperationModeHandlerNames()
 {
     static const char* const names[] = {"TX470ManagementComponent", "PMR830ManagementComponent",
                                         "QLSManagementComponent", "VbkManagementComponent"};
@@ -17,14 +15,14 @@ const Framework::EnumNameTable& operationModeHandlerNames()
     return s_operationModeHandlerNames;
 }
 
+namespace {
 using Data = TorviGuiModeSettingsData;
-
-} // namespace
+}
 
 TORVIXML_VALUE_CLASS(TorviGuiModeSettings)
 TORVIXML_LIST_MEMBER(TorviGuiModeSettings, DataOperationMode, m_dataOperationMode, Data::DataOperationModeBit)
 TORVIXML_ENUM_MEMBER(TorviGuiModeSettings, OperationModeHandler, m_operationModeHandler,
-                     Data::OperationModeHandlerBit, operationModeHandlerNames())
+                     Data::OperationModeHandlerBit, OperationModeHandlerNames())
 TORVIXML_TRANSLATION_FUNCTIONS(TorviGuiModeSettings, "TORVIXML::TorviGuiModeSettings")
 
 void TorviGuiModeSettings::InitData() const
@@ -33,7 +31,7 @@ void TorviGuiModeSettings::InitData() const
         return;
     // The default handler is given by name.
     static const auto handlerDefault =
-        OperationModeHandler(operationModeHandlerNames().IndexOf(QLatin1String("TX470ManagementComponent")));
+        OperationModeHandler(OperationModeHandlerNames().IndexOf(QLatin1String("TX470ManagementComponent")));
     static const QBitArray defaultFlags = Framework::MakeFlags<2>({Data::OperationModeHandlerBit});
     d->m_operationModeHandler.defaultValue = handlerDefault;
     d->m_defaultSetFlags = defaultFlags;
@@ -53,7 +51,7 @@ void TorviGuiModeSettings::ResetToDefault()
     InitData();
     Reset();
     Framework::ApplyEnumDefault(*d, d->m_operationModeHandler, Data::OperationModeHandlerBit,
-                                operationModeHandlerNames(),
+                                OperationModeHandlerNames(),
                                 [this](OperationModeHandler v) { SetOperationModeHandler(v); });
 }
 

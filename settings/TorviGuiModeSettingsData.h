@@ -3,9 +3,13 @@
 
 #include "TorviGuiModeSettings.h"
 
+#include "EnumNameTable.h"
 #include "MemberRecord.h"
 
 namespace TORVIXML {
+
+/// The name table of OperationModeHandler, built on first use.
+const Framework::EnumNameTable& OperationModeHandlerNames();
 
 /// The members of a TorviGuiModeSettings, in member order.
 class TorviGuiModeSettingsData : public Framework::Record<2>

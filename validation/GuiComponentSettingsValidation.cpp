@@ -9,11 +9,20 @@ void GuiComponentSettings::Check(bool) const
 {
     Validation::Reapply(*this);
     InitData();
-    Validation::Require(*this, IsGuiComponentUsageSet() && IsValidGuiComponentUsage(GetGuiComponentUsage()),
+    // The record exists and is this object's own now: the members are read
+    // from it directly rather than through accessors that would each make
+    // sure of that again.
+    const GuiComponentSettingsData& data = *d;
+    Validation::Require(*this,
+                        data.IsSet(GuiComponentSettingsData::GuiComponentUsageBit)
+                            && GuiComponentUsageNames().Contains(data.m_guiComponentUsage.value),
                         "GuiComponentUsage");
-    Validation::Require(*this, IsDockWidgetLocationSet() && IsValidDockWidgetLocation(GetDockWidgetLocation()),
+    Validation::Require(*this,
+                        data.IsSet(GuiComponentSettingsData::DockWidgetLocationBit)
+                            && DockWidgetLocationNames().Contains(data.m_dockWidgetLocation.value),
                         "DockWidgetLocation");
-    Validation::Require(*this, IsNameSet() && !d->m_name.value.isNull(), "Name");
+    Validation::Require(*this, data.IsSet(GuiComponentSettingsData::NameBit) && !data.m_name.value.isNull(),
+                        "Name");
 }
 
 void GuiComponentSettings::SetValidate(bool validate) const
