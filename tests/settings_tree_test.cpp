@@ -1,0 +1,592 @@
+// The settings tree: DataOperationMode and TorviGuiModeSettings with their
+// lists, default elements, comparison, the completeness check, the hand-down
+// of the validation flag and the logger, and the value semantics of a whole
+// tree.
+
+#include <TorviXML/TorviXML.h>
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+#include <QString>
+#include <QVector>
+
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+using REPORTGENERATOR::IRGObject;
+using REPORTGENERATOR::Logger;
+using G = TORVIXML::GuiComponentSettings;
+using M = TORVIXML::DataOperationMode;
+using R = TORVIXML::TorviGuiModeSettings;
+using std::as_const;
+
+void PrintTo(const QString& text, std::ostream* os)
+{
+    *os << (text.isNull() ? std::string("<null>") : '"' + text.toStdString() + '"');
+}
+
+namespace {
+
+QString Q(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
+const QString Passes = Q("<nothing thrown>");
+
+template <typename E, typename F>
+QString MessageOf(F&& operation)
+{
+    try {
+        operation();
+    } catch (const E& e) {
+        return e.GetMessageText();
+    }
+    return Passes;
+}
+
+std::string Text(const QString& s)
+{
+    return s.isNull() ? "<null>" : "'" + s.toStdString() + "'";
+}
+
+// 'name'*[component names]* for a mode, handler*{modes}* for a root; '*'
+// marks a set member. Reads through const access only.
+std::string Outline(const M& m)
+{
+    std::string out = Text(m.GetName()) + (m.IsNameSet() ? "*[" : "[");
+    for (const G& g : m.GetGuiComponentSettings())
+        out += (out.back() == '[' ? "" : ",") + Text(g.GetName());
+    return out + (m.IsGuiComponentSettingsSet() ? "]*" : "]");
+}
+
+std::string Outline(const R& r)
+{
+    std::string out = std::to_string(r.GetOperationModeHandler()) + (r.IsOperationModeHandlerSet() ? "*{" : "{");
+    for (const M& m : r.GetDataOperationMode())
+        out += (out.back() == '{' ? "" : ";") + Outline(m);
+    return out + (r.IsDataOperationModeSet() ? "}*" : "}");
+}
+
+G Component(const char* name, G::GuiComponentUsage usage = G::AVAILABLE,
+            G::DockWidgetLocation dock = G::LeftDockWidgetArea)
+{
+    G s;
+    s.SetName(Q(name));
+    s.SetGuiComponentUsage(usage);
+    s.SetDockWidgetLocation(dock);
+    return s;
+}
+
+// A null name leaves the name unset. Appends run outside validation mode.
+M Mode(const char* name, std::initializer_list<G> components = {})
+{
+    M m;
+    if (name)
+        m.SetName(Q(name));
+    for (const G& c : components)
+        m.AppendGuiComponentSettings(c);
+    return m;
+}
+
+constexpr int NoHandler = -100;
+
+R Root(int handler, std::initializer_list<M> modes = {})
+{
+    R r;
+    if (handler != NoHandler)
+        r.SetOperationModeHandler(R::OperationModeHandler(handler));
+    for (const M& m : modes)
+        r.AppendDataOperationMode(m);
+    return r;
+}
+
+R TwoModeTree()
+{
+    return Root(R::PMR830ManagementComponent,
+                {Mode("Standard", {Component("Overview", G::DEFAULT_DISPLAY),
+                                   Component("Details", G::AVAILABLE, G::FloatingDockWidgetArea)}),
+                 Mode("Service", {Component("Log", G::AVAILABLE, G::BottomDockWidgetArea)})});
+}
+const std::string TwoModeOutline = "1*{'Standard'*['Overview','Details']*;'Service'*['Log']*}*";
+
+// TwoModeTree with a default element at every level.
+R TreeWithDefaults()
+{
+    R r = TwoModeTree();
+    for (M& m : r.GetDataOperationMode())
+        m.SetDefaultGuiComponentSettings(Component("Default"));
+    M defaultMode = Mode("DefaultMode", {Component("Inner")});
+    defaultMode.SetDefaultGuiComponentSettings(Component("DefaultOfDefault"));
+    r.SetDefaultDataOperationMode(defaultMode);
+    return r;
+}
+
+// Every list element below the root, modes before their components.
+std::vector<const IRGObject*> Elements(const R& root)
+{
+    std::vector<const IRGObject*> all;
+    for (const M& m : root.GetDataOperationMode()) {
+        all.push_back(&m);
+        for (const G& g : m.GetGuiComponentSettings())
+            all.push_back(&g);
+    }
+    return all;
+}
+
+std::vector<const IRGObject*> DefaultElements(const R& root)
+{
+    const M& defaultMode = root.GetDefaultDataOperationMode();
+    std::vector<const IRGObject*> all{&defaultMode, &defaultMode.GetDefaultGuiComponentSettings(),
+                                      &defaultMode.GetGuiComponentSettings()[0]};
+    for (const M& m : root.GetDataOperationMode())
+        all.push_back(&m.GetDefaultGuiComponentSettings());
+    return all;
+}
+
+// Gives every list element below the root a flag and logger of its own.
+void Disturb(R& root, bool validate, const std::shared_ptr<Logger>& logger)
+{
+    for (M& m : root.GetDataOperationMode()) {
+        m.SetValidate(validate);
+        m.SetLogger(logger);
+        for (G& g : m.GetGuiComponentSettings()) {
+            g.SetValidate(validate);
+            g.SetLogger(logger);
+        }
+    }
+}
+
+void ExpectAll(const std::vector<const IRGObject*>& objects, bool validate, const std::shared_ptr<Logger>& logger)
+{
+    for (size_t i = 0; i < objects.size(); ++i) {
+        EXPECT_EQ(objects[i]->GetValidate(), validate) << "element " << i;
+        EXPECT_EQ(objects[i]->GetLogger().get(), logger.get()) << "element " << i;
+    }
+}
+
+const QString AppendComponentMessage =
+    Q("DataOperationMode: Tried to append not completely defined or invalid item GuiComponentSettings.");
+const QString AppendModeMessage =
+    Q("TorviGuiModeSettings: Tried to append not completely defined or invalid item DataOperationMode.");
+const QString ModeNameMessage = Q("DataOperationMode: Please set Name properly.");
+const QString HandlerMessage = Q("TorviGuiModeSettings: Please set OperationModeHandler properly.");
+
+} // namespace
+
+TEST(DataOperationModeList, GettersSettersAndTheSetFlag)
+{
+    M fresh;
+    fresh.ResetGuiComponentSettings();
+    fresh.Reset();
+    EXPECT_FALSE(fresh.IsInitialized());
+    EXPECT_EQ(fresh.GetObjectName(), Q("DataOperationMode"));
+
+    M m;
+    EXPECT_EQ(Outline(m), "<null>[]");
+    EXPECT_TRUE(m.IsInitialized());
+    m.GetGuiComponentSettings();
+    EXPECT_EQ(Outline(m), "<null>[]*");
+    EXPECT_FALSE(m.AnyData() || m.HasData());
+
+    // Neither the in-place change nor the list setter examines elements.
+    m.SetValidate(true);
+    m.GetGuiComponentSettings().append(G());
+    EXPECT_EQ(Outline(m), "<null>[<null>]*");
+    EXPECT_TRUE(m.AnyData());
+    EXPECT_FALSE(m.HasData());
+    m.ResetGuiComponentSettings();
+    EXPECT_EQ(Outline(m), "<null>[]");
+    m.SetGuiComponentSettings({G(), Component("A")});
+    EXPECT_FALSE(as_const(m).GetGuiComponentSettings()[0].IsInitialized());
+    EXPECT_EQ(Outline(m), "<null>[<null>,'A']*");
+
+    // The name counts for HasData, the list only for AnyData.
+    M unnamed = Mode(nullptr, {Component("A")});
+    EXPECT_FALSE(unnamed.HasData());
+    EXPECT_TRUE(unnamed.AnyData());
+    M named = Mode("Standard", {Component("A")});
+    named.ResetGuiComponentSettings();
+    EXPECT_EQ(Outline(named), "'Standard'*[]");
+    EXPECT_TRUE(named.HasData() && named.AnyData());
+    named.SetValidate(true);
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { named.SetName(QString()); }), ModeNameMessage);
+    named.SetName(Q(""));
+    EXPECT_TRUE(named.HasData());
+}
+
+TEST(DataOperationModeList, AppendRefusesElementsWithoutDataInValidationMode)
+{
+    G noName = Component("X");
+    noName.ResetName();
+    G noUsage = Component("X");
+    noUsage.ResetGuiComponentUsage();
+    G noDock = Component("X");
+    noDock.ResetDockWidgetLocation();
+    G nullName = Component("X");
+    nullName.SetName(QString());
+
+    M m;
+    m.SetValidate(true);
+    for (const G* incomplete : {&noName, &noUsage, &noDock, &nullName})
+        EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { m.AppendGuiComponentSettings(*incomplete); }),
+                  AppendComponentMessage);
+    EXPECT_EQ(Outline(m), "<null>[]");
+    m.AppendGuiComponentSettings(Component("Overview"));
+    m.AppendGuiComponentSettings(Component("Details"));
+    EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { m.AppendGuiComponentSettings(G()); }),
+              AppendComponentMessage);
+    EXPECT_EQ(Outline(m), "<null>['Overview','Details']*");
+
+    // The list holds a copy made by the copy constructor: the element's own
+    // flag, no logger, and no connection to the original afterwards.
+    G source = Component("Log");
+    source.SetValidate(true);
+    source.SetLogger(std::make_shared<Logger>());
+    M off;
+    off.AppendGuiComponentSettings(source);
+    source.SetName(Q("Changed"));
+    const G& stored = as_const(off).GetGuiComponentSettings()[0];
+    EXPECT_TRUE(stored.GetValidate());
+    EXPECT_EQ(stored.GetLogger(), nullptr);
+    off.GetGuiComponentSettings()[0].SetDockWidgetLocation(G::TopDockWidgetArea);
+    EXPECT_EQ(source.GetDockWidgetLocation(), G::LeftDockWidgetArea);
+    EXPECT_EQ(Outline(off), "<null>['Log']*");
+
+    // Outside validation mode anything is appended.
+    off.AppendGuiComponentSettings(G());
+    off.AppendGuiComponentSettings(noDock);
+    EXPECT_EQ(Outline(off), "<null>['Log',<null>,'X']*");
+}
+
+TEST(TorviGuiModeSettingsList, GettersSettersAndAppend)
+{
+    R fresh;
+    fresh.ResetDataOperationMode();
+    EXPECT_FALSE(fresh.IsInitialized());
+    R r;
+    EXPECT_EQ(Outline(r), "0{}");
+    r.GetDataOperationMode();
+    EXPECT_EQ(Outline(r), "0{}*");
+    EXPECT_FALSE(r.AnyData());
+
+    R v;
+    v.SetValidate(true);
+    const M nameless = Mode(nullptr, {Component("A")});
+    EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { v.AppendDataOperationMode(nameless); }),
+              AppendModeMessage);
+    EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { v.AppendDataOperationMode(M()); }),
+              AppendModeMessage);
+    EXPECT_EQ(Outline(v), "0{}");
+    v.AppendDataOperationMode(Mode("Standard"));
+    v.SetDataOperationMode(QVector<M>{as_const(v).GetDataOperationMode()[0], nameless});
+    v.GetDataOperationMode().append(M());
+    EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { v.AppendDataOperationMode(nameless); }),
+              AppendModeMessage);
+    EXPECT_EQ(Outline(v), "0{'Standard'*[];<null>['A']*;<null>[]}*");
+
+    // The handler alone decides HasData.
+    EXPECT_FALSE(v.HasData());
+    EXPECT_TRUE(v.AnyData());
+    v.SetOperationModeHandler(R::TX470ManagementComponent);
+    v.ResetDataOperationMode();
+    EXPECT_EQ(Outline(v), "0*{}");
+    EXPECT_TRUE(v.HasData());
+
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { v.SetOperationModeHandler(R::OperationModeHandler(4)); }),
+              Q("enum is not valid (classname=TorviGuiModeSettings,membername=m_operationModeHandler)"));
+    EXPECT_EQ(Outline(v), "0*{}");
+
+    R lax;
+    lax.AppendDataOperationMode(M());
+    EXPECT_EQ(Outline(lax), "0{<null>[]}*");
+}
+
+TEST(SettingsTreeDefaults, DefaultElementsAreOnlyStoredAndReturned)
+{
+    M m;
+    EXPECT_FALSE(m.GetDefaultGuiComponentSettings().IsInitialized());
+    G x = Component("Overview");
+    x.SetValidate(true);
+    m.SetDefaultGuiComponentSettings(x);
+    EXPECT_TRUE(m.GetDefaultGuiComponentSettings() == x);
+    EXPECT_FALSE(m.GetDefaultGuiComponentSettings().GetValidate());
+    x.SetName(Q("Changed"));
+    EXPECT_EQ(m.GetDefaultGuiComponentSettings().GetName(), Q("Overview"));
+
+    m.SetName(Q("Standard"));
+    m.AppendGuiComponentSettings(Component("A"));
+    m.ResetToDefault();
+    EXPECT_EQ(Outline(m), "<null>[]");
+    m.SetDefaultName(Q("Standard"));
+    m.ResetToDefault();
+    EXPECT_EQ(Outline(m), "'Standard'*[]");
+
+    // Neither compared nor checked, however invalid.
+    G bad;
+    bad.SetDockWidgetLocation(G::DockWidgetLocation(9));
+    m.SetDefaultGuiComponentSettings(bad);
+    EXPECT_NO_THROW(m.Check());
+    EXPECT_TRUE(m == Mode("Standard"));
+
+    R r;
+    EXPECT_FALSE(r.GetDefaultDataOperationMode().IsInitialized());
+    M defaultMode = Mode(nullptr, {bad});
+    r.SetDefaultDataOperationMode(defaultMode);
+    defaultMode.SetName(Q("Late"));
+    EXPECT_EQ(Outline(r.GetDefaultDataOperationMode()), "<null>[<null>]*");
+    r.AppendDataOperationMode(Mode("Standard"));
+    r.ResetToDefault();
+    EXPECT_EQ(Outline(r), "0*{}");
+    EXPECT_NO_THROW(r.Check());
+    R plain;
+    plain.ResetToDefault();
+    EXPECT_TRUE(r == plain);
+}
+
+TEST(SettingsTreeValue, EqualityComparesListsPairwiseInOrder)
+{
+    const G a = Component("A");
+    const G b = Component("B", G::DEFAULT_DISPLAY);
+    EXPECT_TRUE(Mode("Standard", {a, b}) == Mode("Standard", {a, b}));
+    EXPECT_TRUE(Mode("Standard", {a, b}) != Mode("Standard", {b, a}));
+    EXPECT_TRUE(Mode("Standard", {a, b}) != Mode("Standard", {a}));
+    EXPECT_TRUE(Mode("Standard", {a, b}) != Mode("Service", {a, b}));
+    EXPECT_TRUE(Mode("Standard", {a, b}) != Mode(nullptr, {a, b}));
+
+    // A new mode equals an initialised empty one, whose list set flag does
+    // not count, and is initialised by the comparison.
+    M fresh;
+    M touched;
+    touched.GetGuiComponentSettings();
+    EXPECT_TRUE(fresh == touched);
+    EXPECT_TRUE(fresh.IsInitialized());
+    M other;
+    EXPECT_TRUE(M() == other);
+    EXPECT_FALSE(other.IsInitialized());
+
+    const R left = TwoModeTree();
+    R right = TwoModeTree();
+    EXPECT_TRUE(left == right);
+    right.SetDataOperationMode({left.GetDataOperationMode()[1], left.GetDataOperationMode()[0]});
+    EXPECT_TRUE(left != right);
+    right = TwoModeTree();
+    right.GetDataOperationMode()[0].GetGuiComponentSettings()[1].SetDockWidgetLocation(G::TopDockWidgetArea);
+    EXPECT_TRUE(left != right);
+
+    R handlerRead;
+    handlerRead.GetOperationModeHandler();
+    EXPECT_TRUE(Root(R::TX470ManagementComponent) != handlerRead);
+    EXPECT_TRUE(R() == handlerRead);
+}
+
+TEST(SettingsTreeScenario, TypicalRequestBuiltInCode)
+{
+    R settings;
+    settings.SetValidate(true);
+    settings.SetOperationModeHandler(R::PMR830ManagementComponent);
+    M standard;
+    standard.SetName(Q("Standard"));
+    standard.AppendGuiComponentSettings(Component("Overview", G::DEFAULT_DISPLAY, G::LeftDockWidgetArea));
+    standard.AppendGuiComponentSettings(Component("Details", G::AVAILABLE, G::FloatingDockWidgetArea));
+    settings.AppendDataOperationMode(standard);
+    EXPECT_EQ(Outline(settings), "1*{'Standard'*['Overview','Details']*}*");
+    EXPECT_NO_THROW(settings.Check());
+
+    const QString xml = settings.GetXmlString();
+    const int body = xml.indexOf(Q("?>"));
+    ASSERT_GE(body, 0) << xml.toStdString();
+    EXPECT_EQ(xml.mid(body + 2).trimmed(),
+              Q("<TorviGuiModeSettings><DataOperationMode Name=\"Standard\"><GuiComponentSettings Name=\"Overview\">"
+                "<GuiComponentUsage>DEFAULT_DISPLAY</GuiComponentUsage><DockWidgetLocation>LeftDockWidgetArea"
+                "</DockWidgetLocation></GuiComponentSettings><GuiComponentSettings Name=\"Details\">"
+                "<GuiComponentUsage>AVAILABLE</GuiComponentUsage><DockWidgetLocation>FloatingDockWidgetArea "
+                "</DockWidgetLocation></GuiComponentSettings></DataOperationMode><OperationModeHandler>"
+                "PMR830ManagementComponent</OperationModeHandler></TorviGuiModeSettings>"));
+    R read;
+    read.SetValidate(true);
+    ASSERT_TRUE(read.SetXmlString(xml, true));
+    EXPECT_TRUE(read == settings);
+
+    QByteArray bytes = settings.GetBinaryRepresentationAsQByteArray();
+    R fromBinary;
+    fromBinary.SetValidate(true);
+    ASSERT_TRUE(fromBinary.SetBinaryRepresentation(bytes));
+    EXPECT_TRUE(fromBinary == settings);
+}
+
+TEST(SettingsTreeValidation, CheckWalksDepthFirstAndReportsTheFirstFailure)
+{
+    G noDock = Component("X");
+    noDock.ResetDockWidgetLocation();
+    G noName = Component("X");
+    noName.ResetName();
+    G bad;
+    bad.SetGuiComponentUsage(G::GuiComponentUsage(5));
+    M withBadDefault = Mode("", {Component("")});
+    withBadDefault.SetDefaultGuiComponentSettings(bad);
+    R touched = Root(0);
+    touched.GetDataOperationMode();
+    R badDefault = Root(0, {withBadDefault});
+    badDefault.SetDefaultDataOperationMode(Mode(nullptr, {bad}));
+
+    const std::vector<std::tuple<const char*, R, QString>> cases = {
+        {"new root", R(), HandlerMessage},
+        {"handler and no list", Root(0), Passes},
+        {"handler and touched empty list", touched, Passes},
+        {"handler out of range", Root(4), HandlerMessage},
+        {"first mode unnamed, handler unset", Root(NoHandler, {Mode(nullptr), Mode("B")}), ModeNameMessage},
+        {"second mode unnamed", Root(0, {Mode("A", {Component("X")}), Mode(nullptr)}), ModeNameMessage},
+        {"component before its mode's name", Root(NoHandler, {Mode(nullptr, {noDock})}),
+         Q("GuiComponentSettings: Please set DockWidgetLocation properly.")},
+        {"last component of first mode before second mode",
+         Root(0, {Mode("A", {Component("Y"), noName}), Mode(nullptr)}),
+         Q("GuiComponentSettings: Please set Name properly.")},
+        {"empty names and invalid default elements", badDefault, Passes},
+    };
+    for (const auto& [what, built, message] : cases) {
+        for (const bool validate : {false, true}) {
+            SCOPED_TRACE(std::string(what) + (validate ? ", validation on" : ", validation off"));
+            const R root(built);
+            root.SetValidate(validate);
+            EXPECT_EQ(MessageOf<OutOfRangeException>([&] { root.Check(); }), message);
+            EXPECT_EQ(MessageOf<OutOfRangeException>([&] { root.Check(false); }), message);
+            EXPECT_EQ(MessageOf<OutOfRangeException>([&] { root.Check(true); }), message);
+            EXPECT_TRUE(root == built);
+        }
+    }
+}
+
+TEST(SettingsTreeHandDown, SetValidateAndSetLoggerReachEveryDepth)
+{
+    R root = TreeWithDefaults();
+    const auto stray = std::make_shared<Logger>();
+    Disturb(root, false, stray);
+
+    root.SetValidate(true);
+    ASSERT_EQ(Elements(root).size(), 5u);
+    ExpectAll(Elements(root), true, stray);
+    const auto logger = std::make_shared<Logger>();
+    root.SetLogger(logger);
+    ExpectAll(Elements(root), true, logger);
+    ExpectAll(DefaultElements(root), false, nullptr);
+    root.SetValidate(false);
+    ExpectAll(Elements(root), false, logger);
+}
+
+TEST(SettingsTreeHandDown, ChecksAndProloguesReapplyTheRootsFlagAndLogger)
+{
+    const std::vector<std::pair<const char*, std::function<void(const R&)>>> triggers = {
+        {"Check()", [](const R& r) { r.Check(); }},
+        {"Check(true)", [](const R& r) { r.Check(true); }},
+        {"GetXmlString", [](const R& r) { EXPECT_FALSE(r.GetXmlString().isEmpty()); }},
+        {"GetBinaryRepresentationAsQByteArray",
+         [](const R& r) { EXPECT_FALSE(r.GetBinaryRepresentationAsQByteArray().isEmpty()); }},
+    };
+    for (const auto& [what, trigger] : triggers) {
+        for (const bool validate : {true, false}) {
+            SCOPED_TRACE(std::string(what) + (validate ? ", validation on" : ", validation off"));
+            R root = TreeWithDefaults();
+            const auto logger = std::make_shared<Logger>();
+            root.SetValidate(validate);
+            root.SetLogger(logger);
+            Disturb(root, !validate, std::make_shared<Logger>());
+            trigger(root);
+            ExpectAll(Elements(root), validate, logger);
+            ExpectAll(DefaultElements(root), false, nullptr);
+        }
+    }
+}
+
+TEST(SettingsTreeHandDown, SetValidateOnRootWithoutRecordChangesOnlyTheRoot)
+{
+    R root;
+    const auto logger = std::make_shared<Logger>();
+    root.SetValidate(true);
+    root.SetLogger(logger);
+    EXPECT_FALSE(root.IsInitialized());
+    root.AppendDataOperationMode(Mode("Standard", {Component("A")}));
+    ExpectAll(Elements(root), false, nullptr);
+    root.SetOperationModeHandler(R::TX470ManagementComponent);
+    root.Check();
+    ExpectAll(Elements(root), true, logger);
+}
+
+TEST(SettingsTreeValue, CopyingTheRootCopiesTheWholeSubtree)
+{
+    R original = TwoModeTree();
+    R copy(original);
+    EXPECT_TRUE(copy == original);
+    copy.GetDataOperationMode()[0].GetGuiComponentSettings()[1].SetName(Q("Changed"));
+    copy.GetDataOperationMode()[1].SetName(Q("Renamed"));
+    copy.GetDataOperationMode()[0].GetGuiComponentSettings().append(Component("Extra"));
+    EXPECT_EQ(Outline(copy), "1*{'Standard'*['Overview','Changed','Extra']*;'Renamed'*['Log']*}*");
+    EXPECT_EQ(Outline(original), TwoModeOutline);
+    EXPECT_TRUE(original == TwoModeTree());
+
+    R copy2(original);
+    original.GetDataOperationMode()[0].GetGuiComponentSettings()[0].SetGuiComponentUsage(G::AVAILABLE);
+    original.AppendDataOperationMode(Mode("Third"));
+    EXPECT_TRUE(copy2 == TwoModeTree());
+}
+
+TEST(SettingsTreeValue, AssignmentSharesThenDetachesAtEveryDepth)
+{
+    R source = TwoModeTree();
+    const auto sourceLogger = std::make_shared<Logger>();
+    R target;
+    const auto targetLogger = std::make_shared<Logger>();
+    target.SetValidate(true);
+    target.SetLogger(targetLogger);
+
+    target = source;
+    EXPECT_TRUE(target == source);
+    EXPECT_TRUE(target.GetValidate());
+    EXPECT_EQ(target.GetLogger(), targetLogger);
+    target.GetDataOperationMode()[0].GetGuiComponentSettings()[0].SetName(Q("T"));
+    EXPECT_EQ(Outline(source), TwoModeOutline);
+    target = source;
+    source.GetDataOperationMode()[1].SetName(Q("S"));
+    EXPECT_EQ(Outline(target), TwoModeOutline);
+
+    // A const operation on the target hands its flag and logger down its own
+    // tree only.
+    source.SetLogger(sourceLogger);
+    target = source;
+    as_const(target).Check();
+    ExpectAll(Elements(target), true, targetLogger);
+    ExpectAll(Elements(source), false, sourceLogger);
+
+    const R empty;
+    target = empty;
+    EXPECT_FALSE(target.IsInitialized());
+    EXPECT_TRUE(target.GetValidate());
+}
+
+TEST(SettingsTreeValue, CopyConstructorCarriesTheFlagDownButNoLogger)
+{
+    R source = TwoModeTree();
+    const auto logger = std::make_shared<Logger>();
+    source.SetValidate(true);
+    source.SetLogger(logger);
+    source.GetDataOperationMode()[1].SetValidate(false);
+    source.GetDataOperationMode()[0].GetGuiComponentSettings()[0].SetValidate(false);
+
+    const R copy(source);
+    EXPECT_TRUE(copy.GetValidate());
+    EXPECT_EQ(copy.GetLogger(), nullptr);
+    ExpectAll(Elements(copy), true, nullptr);
+    EXPECT_FALSE(as_const(source).GetDataOperationMode()[1].GetValidate());
+    EXPECT_EQ(as_const(source).GetDataOperationMode()[1].GetLogger(), logger);
+
+    source.SetValidate(false);
+    source.GetDataOperationMode()[0].SetValidate(true);
+    ExpectAll(Elements(R(source)), false, nullptr);
+}
