@@ -1,0 +1,519 @@
+#include "BinaryWalker.h"
+
+#include "ToolSupport.h"
+
+#include <TorviXML/TorviXML.h>
+
+#include <QStringList>
+
+#include <zlib.h>
+
+#include <limits>
+
+namespace TorviTool {
+
+namespace {
+
+using TORVIXML::DataOperationMode;
+using TORVIXML::GuiComponentSettings;
+using TORVIXML::TorviGuiModeSettings;
+
+quint32 bigEndian32(const char* p)
+{
+    const auto* u = reinterpret_cast<const uchar*>(p);
+    return (quint32(u[0]) << 24) | (quint32(u[1]) << 16) | (quint32(u[2]) << 8) | quint32(u[3]);
+}
+
+QString hex32(quint32 value)
+{
+    return QStringLiteral("0x") + QString::number(value, 16).rightJustified(8, QLatin1Char('0')).toUpper();
+}
+
+// "-1785428698 (0x95948526)"
+QString idText(qint32 value)
+{
+    return QStringLiteral("%1 (%2)").arg(value).arg(hex32(quint32(value)));
+}
+
+QString bytesText(qint64 count)
+{
+    return count == 1 ? QStringLiteral("1 byte") : QStringLiteral("%1 bytes").arg(count);
+}
+
+// ---------------------------------------------------------------------------
+// What the walker knows about the three classes.
+
+enum class ClassKind { Root, Mode, Component };
+enum class PayloadKind { Text, Enum, List };
+
+struct MemberInfo
+{
+    qint32 id;
+    const char* name;
+    PayloadKind payload;
+    ClassKind listOf;                // List only
+    QStringList (*enumNames)();      // Enum only
+};
+
+struct ClassInfo
+{
+    ClassKind kind;
+    const char* name;
+    qint32 classId;
+    const MemberInfo* members;
+    int memberCount;
+};
+
+const MemberInfo rootMembers[] = {
+    {-1785428698, "DataOperationMode", PayloadKind::List, ClassKind::Mode, nullptr},
+    {1861080544, "OperationModeHandler", PayloadKind::Enum, ClassKind::Root,
+     &TorviGuiModeSettings::GetOperationModeHandlers},
+};
+const MemberInfo modeMembers[] = {
+    {1490308454, "Name", PayloadKind::Text, ClassKind::Mode, nullptr},
+    {-1059801328, "GuiComponentSettings", PayloadKind::List, ClassKind::Component, nullptr},
+};
+const MemberInfo componentMembers[] = {
+    {1490308454, "Name", PayloadKind::Text, ClassKind::Component, nullptr},
+    {249323652, "GuiComponentUsage", PayloadKind::Enum, ClassKind::Component,
+     &GuiComponentSettings::GetGuiComponentUsages},
+    {388603748, "DockWidgetLocation", PayloadKind::Enum, ClassKind::Component,
+     &GuiComponentSettings::GetDockWidgetLocations},
+};
+
+const ClassInfo classes[] = {
+    {ClassKind::Root, "TorviGuiModeSettings", qint32(TorviGuiModeSettings::id), rootMembers, 2},
+    {ClassKind::Mode, "DataOperationMode", qint32(DataOperationMode::id), modeMembers, 2},
+    {ClassKind::Component, "GuiComponentSettings", qint32(GuiComponentSettings::id), componentMembers, 3},
+};
+
+const ClassInfo& classInfo(ClassKind kind)
+{
+    for (const ClassInfo& info : classes) {
+        if (info.kind == kind)
+            return info;
+    }
+    return classes[0];
+}
+
+const ClassInfo* classForId(qint32 id)
+{
+    for (const ClassInfo& info : classes) {
+        if (info.classId == id)
+            return &info;
+    }
+    return nullptr;
+}
+
+const MemberInfo* memberOf(const ClassInfo& cls, qint32 id)
+{
+    for (int i = 0; i < cls.memberCount; ++i) {
+        if (cls.members[i].id == id)
+            return &cls.members[i];
+    }
+    return nullptr;
+}
+
+const char* payloadName(PayloadKind kind)
+{
+    switch (kind) {
+    case PayloadKind::Text:
+        return "text";
+    case PayloadKind::Enum:
+        return "enum";
+    case PayloadKind::List:
+        return "list";
+    }
+    return "";
+}
+
+// "DataOperationMode.Name, GuiComponentSettings.Name": the classes that do
+// know a member id, for an id that is unknown where it was found.
+QString ownersOf(qint32 id)
+{
+    QStringList owners;
+    for (const ClassInfo& cls : classes) {
+        if (const MemberInfo* member = memberOf(cls, id))
+            owners << QStringLiteral("%1.%2").arg(QLatin1String(cls.name), QLatin1String(member->name));
+    }
+    return owners.join(QStringLiteral(", "));
+}
+
+// ---------------------------------------------------------------------------
+
+class Walker
+{
+public:
+    Walker(const QByteArray& bytes, const std::function<void(const WalkLine&)>& sink)
+        : m_bytes(bytes)
+        , m_size(bytes.size())
+        , m_sink(sink)
+    {
+    }
+
+    WalkSummary walkDocument();
+
+private:
+    qint64 walkObject(const ClassInfo& cls, qint64 pos, qint64 limit, int depth, const QString& prefix,
+                      const QString& limitName);
+    qint64 walkText(const MemberInfo& member, qint64 pos, qint64 end, qint64 objectEnd, int depth);
+    qint64 walkList(const MemberInfo& member, qint64 pos, qint64 end, int depth);
+    void walkUnknown(qint64 pos, qint64 end, int depth);
+    bool recordCanStartAt(const ClassInfo& cls, qint64 pos, qint64 objectEnd) const;
+
+    // Callers make sure that pos + 4 <= m_size.
+    qint32 word(qint64 pos) const { return qint32(bigEndian32(m_bytes.constData() + pos)); }
+
+    void line(qint64 offset, int depth, const QString& text)
+    {
+        m_sink(WalkLine{offset, depth, text, false});
+    }
+    void error(qint64 offset, int depth, const QString& text)
+    {
+        if (m_summary.errors++ == 0) {
+            m_summary.firstErrorOffset = offset;
+            m_summary.firstError = text;
+        }
+        m_sink(WalkLine{offset, depth, text, true});
+    }
+
+    const QByteArray& m_bytes;
+    const qint64 m_size;
+    const std::function<void(const WalkLine&)>& m_sink;
+    WalkSummary m_summary;
+};
+
+WalkSummary Walker::walkDocument()
+{
+    if (m_size < 4) {
+        error(0, 0, QStringLiteral("%1 in all: too short for an id").arg(bytesText(m_size)));
+        return m_summary;
+    }
+    const qint32 id = word(0);
+    const ClassInfo* cls = classForId(id);
+    if (cls) {
+        line(0, 0, QStringLiteral("id %1 = class id of %2").arg(idText(id), QLatin1String(cls->name)));
+    } else {
+        cls = &classInfo(ClassKind::Root);
+        error(0, 0, QStringLiteral("id %1 is not the class id of any settings class; read as %2")
+                        .arg(idText(id), QLatin1String(cls->name)));
+    }
+    const qint64 end = walkObject(*cls, 4, m_size, 0, QString(), QStringLiteral("the data"));
+    if (end < m_size)
+        error(end, 0, QStringLiteral("%1 after the end of the object").arg(bytesText(m_size - end)));
+    return m_summary;
+}
+
+// An object frame without its id: the object length at pos, then member
+// records up to the end the object length gives, which must not pass limit.
+// Returns where the object ends (never before pos + 4, never after limit).
+qint64 Walker::walkObject(const ClassInfo& cls, qint64 pos, qint64 limit, int depth, const QString& prefix,
+                          const QString& limitName)
+{
+    if (limit - pos < 4) {
+        error(pos, depth, QStringLiteral("%1only %2 left in %3: too few for an object length")
+                              .arg(prefix, bytesText(limit - pos), limitName));
+        return limit;
+    }
+    const qint32 length = word(pos);
+    if (length < 0) {
+        line(pos, depth, QStringLiteral("%1object length %2").arg(prefix).arg(length));
+        error(pos, depth, QStringLiteral("object length %1 is negative").arg(length));
+        return pos + 4;
+    }
+    qint64 objectEnd = pos + 4 + length;
+    line(pos, depth, QStringLiteral("%1object length %2 (to %3)").arg(prefix).arg(length).arg(objectEnd));
+    if (objectEnd > limit) {
+        error(pos, depth, QStringLiteral("object length %1 runs past the end of %2 at %3 by %4")
+                              .arg(length).arg(limitName).arg(limit).arg(bytesText(objectEnd - limit)));
+        objectEnd = limit;
+    }
+
+    qint64 p = pos + 4;
+    while (p < objectEnd) {
+        if (objectEnd - p < 8) {
+            error(p, depth + 1, QStringLiteral("%1 left in the object: too few for a member id and a record length")
+                                    .arg(bytesText(objectEnd - p)));
+            p = objectEnd;
+            break;
+        }
+        const qint32 memberId = word(p);
+        const qint32 recordLength = word(p + 4);
+        const MemberInfo* member = memberOf(cls, memberId);
+        QString what;
+        if (member) {
+            what = QStringLiteral("%1.%2 (%3)").arg(QLatin1String(cls.name), QLatin1String(member->name),
+                                                    QLatin1String(payloadName(member->payload)));
+        } else {
+            what = QStringLiteral("unknown in %1").arg(QLatin1String(cls.name));
+            const QString owners = ownersOf(memberId);
+            if (!owners.isEmpty())
+                what += QStringLiteral(" (member id of %1)").arg(owners);
+        }
+        line(p, depth + 1, QStringLiteral("record: member id %1 = %2").arg(idText(memberId), what));
+        if (recordLength < 0) {
+            line(p + 4, depth + 2, QStringLiteral("record length %1").arg(recordLength));
+            error(p + 4, depth + 2, QStringLiteral("record length %1 is negative").arg(recordLength));
+            p = objectEnd;
+            break;
+        }
+        qint64 recordEnd = p + 8 + recordLength;
+        line(p + 4, depth + 2, QStringLiteral("record length %1 (to %2)").arg(recordLength).arg(recordEnd));
+        const bool overrun = recordEnd > objectEnd;
+        if (overrun) {
+            error(p + 4, depth + 2, QStringLiteral("record length %1 runs past the end of %2 at %3 by %4")
+                                        .arg(recordLength).arg(QLatin1String(cls.name)).arg(objectEnd)
+                                        .arg(bytesText(recordEnd - objectEnd)));
+            recordEnd = objectEnd;
+        }
+        qint64 payloadEnd = recordEnd;
+        if (!member)
+            walkUnknown(p + 8, recordEnd, depth + 2);
+        else if (member->payload == PayloadKind::List)
+            payloadEnd = walkList(*member, p + 8, recordEnd, depth + 2);
+        else
+            payloadEnd = walkText(*member, p + 8, recordEnd, objectEnd, depth + 2);
+        p = recordEnd;
+        // When payload and record length disagree, go on where the next
+        // record really seems to start, so that one wrong length does not
+        // garble the rest of the walk.
+        if (payloadEnd >= 0 && payloadEnd != recordEnd && !recordCanStartAt(cls, recordEnd, objectEnd)
+            && recordCanStartAt(cls, payloadEnd, objectEnd)) {
+            line(payloadEnd, depth + 2,
+                 QStringLiteral("going on at %1, where the payload ends: the record length looks wrong")
+                     .arg(payloadEnd));
+            p = payloadEnd;
+        }
+    }
+    line(p, depth, QStringLiteral("end of %1").arg(QLatin1String(cls.name)));
+    return objectEnd;
+}
+
+// Whether a member record of the class can start at pos: the end of the
+// object, or a member id of the class with a record length that fits.
+bool Walker::recordCanStartAt(const ClassInfo& cls, qint64 pos, qint64 objectEnd) const
+{
+    if (pos == objectEnd)
+        return true;
+    if (pos > objectEnd || objectEnd - pos < 8)
+        return false;
+    const qint32 recordLength = word(pos + 4);
+    return memberOf(cls, word(pos)) != nullptr && recordLength >= 0 && recordLength <= objectEnd - pos - 8;
+}
+
+// A text or enum payload: a byte count (0xFFFFFFFF for a null text), then
+// that many bytes of UTF-8. Returns where the payload ends, or -1 when that
+// cannot be told. A text that runs past the record's end is still shown as
+// far as the object holds it.
+qint64 Walker::walkText(const MemberInfo& member, qint64 pos, qint64 end, qint64 objectEnd, int depth)
+{
+    if (end - pos < 4) {
+        error(pos, depth, QStringLiteral("only %1 left in the record: too few for a byte count")
+                              .arg(bytesText(end - pos)));
+        return -1;
+    }
+    const quint32 count = quint32(word(pos));
+    qint64 payloadEnd = pos + 4;
+    if (count == 0xFFFFFFFFu) {
+        QString text = QStringLiteral("byte count 0xFFFFFFFF: null text");
+        if (member.payload == PayloadKind::Enum)
+            text += QStringLiteral(" (no name of %1)").arg(QLatin1String(member.name));
+        line(pos, depth, text);
+    } else {
+        line(pos, depth, QStringLiteral("byte count %1").arg(count));
+        if (qint64(count) > end - payloadEnd) {
+            error(pos, depth, QStringLiteral("byte count %1 runs past the end of the record at %2 by %3")
+                                  .arg(count).arg(end).arg(bytesText(qint64(count) - (end - payloadEnd))));
+            if (qint64(count) > objectEnd - payloadEnd)
+                return -1;
+        }
+        const QByteArray bytes = m_bytes.mid(int(payloadEnd), int(count));
+        bool validUtf8 = true;
+        QString text = QStringLiteral("text ") + quotedUtf8(bytes, &validUtf8);
+        if (!validUtf8)
+            text += QStringLiteral(" (not valid UTF-8)");
+        if (member.payload == PayloadKind::Enum) {
+            const int value = validUtf8 ? member.enumNames().indexOf(QString::fromUtf8(bytes)) : -1;
+            if (value >= 0)
+                text += QStringLiteral(" -> value %1").arg(value);
+            else
+                text += QStringLiteral(" (not a name of %1)").arg(QLatin1String(member.name));
+        }
+        line(payloadEnd, depth, text);
+        payloadEnd += count;
+    }
+    if (payloadEnd < end)
+        error(payloadEnd, depth, QStringLiteral("%1 left in the record after the text").arg(bytesText(end - payloadEnd)));
+    return payloadEnd;
+}
+
+// A list payload: the element count, then that many element frames (object
+// length and member records, no id), each delimiting itself. Returns where
+// the last element ends, or -1 when that cannot be told.
+qint64 Walker::walkList(const MemberInfo& member, qint64 pos, qint64 end, int depth)
+{
+    if (end - pos < 4) {
+        error(pos, depth, QStringLiteral("only %1 left in the record: too few for an element count")
+                              .arg(bytesText(end - pos)));
+        return -1;
+    }
+    const qint32 count = word(pos);
+    line(pos, depth, count > 0 ? QStringLiteral("element count %1").arg(count)
+                               : QStringLiteral("element count %1 (no elements)").arg(count));
+    const ClassInfo& elementClass = classInfo(member.listOf);
+    qint64 p = pos + 4;
+    for (qint32 i = 0; i < count; ++i) {
+        if (p >= end) {
+            error(p, depth, QStringLiteral("element count %1, but the record ends after %2 elements")
+                                .arg(count).arg(i));
+            return -1;
+        }
+        const QString prefix = QStringLiteral("element %1 of %2: %3, ").arg(i + 1).arg(count)
+                                   .arg(QLatin1String(elementClass.name));
+        p = walkObject(elementClass, p, end, depth, prefix, QStringLiteral("the record"));
+    }
+    if (p < end)
+        error(p, depth, QStringLiteral("%1 left in the record after the last element").arg(bytesText(end - p)));
+    return p;
+}
+
+void Walker::walkUnknown(qint64 pos, qint64 end, int depth)
+{
+    const qint64 size = end - pos;
+    QString text = QStringLiteral("payload of %1 skipped").arg(bytesText(size));
+    if (size > 0) {
+        const QByteArray head = m_bytes.mid(int(pos), int(qMin<qint64>(size, 16)));
+        text += QStringLiteral(": ") + QString::fromLatin1(head.toHex(' ').toUpper());
+        if (size > 16)
+            text += QStringLiteral(" ...");
+    }
+    line(pos, depth, text);
+}
+
+// Inflates Qt's compressed form (big-endian size, zlib stream) without
+// trusting the announced size for allocation: the output grows with what
+// zlib really produces and must come to exactly the announced size.
+bool inflateCompressed(const QByteArray& data, quint32 announced, QByteArray& out, QString& problem)
+{
+    z_stream zs{};
+    if (inflateInit(&zs) != Z_OK) {
+        problem = QStringLiteral("zlib could not be initialised");
+        return false;
+    }
+    zs.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.constData() + 4));
+    zs.avail_in = uInt(data.size() - 4);
+
+    qint64 capacity = qMin<qint64>(announced, qMax<qint64>(4096, qint64(data.size()) * 4));
+    out.resize(int(capacity));
+    qint64 produced = 0;
+    int rc = Z_OK;
+    while (rc == Z_OK) {
+        if (produced == capacity) {
+            if (capacity == qint64(announced)) {
+                // All announced bytes are there: the stream must end now.
+                Bytef probe;
+                zs.next_out = &probe;
+                zs.avail_out = 1;
+                rc = inflate(&zs, Z_NO_FLUSH);
+                if (rc == Z_STREAM_END && zs.avail_out == 1)
+                    break;
+                if (zs.avail_out == 0)
+                    problem = QStringLiteral("it inflates to more than the announced %1").arg(bytesText(announced));
+                else if (rc == Z_BUF_ERROR || rc == Z_OK)
+                    problem = QStringLiteral("the zlib stream does not end after the announced %1")
+                                  .arg(bytesText(announced));
+                rc = Z_DATA_ERROR;
+                break;
+            }
+            capacity = qMin<qint64>(announced, capacity * 2);
+            out.resize(int(capacity));
+        }
+        zs.next_out = reinterpret_cast<Bytef*>(out.data() + produced);
+        zs.avail_out = uInt(capacity - produced);
+        rc = inflate(&zs, Z_NO_FLUSH);
+        produced = capacity - zs.avail_out;
+        if (rc == Z_BUF_ERROR && zs.avail_out != 0) {
+            problem = QStringLiteral("the zlib stream ends early, after %1 of the announced %2")
+                          .arg(bytesText(produced)).arg(announced);
+            rc = Z_DATA_ERROR;
+        } else if (rc == Z_BUF_ERROR) {
+            rc = Z_OK;
+        }
+    }
+    if (rc != Z_STREAM_END && problem.isEmpty()) {
+        problem = zs.msg ? QStringLiteral("zlib: %1").arg(QString::fromLatin1(zs.msg))
+                         : QStringLiteral("zlib error %1").arg(rc);
+    }
+    inflateEnd(&zs);
+    if (rc != Z_STREAM_END)
+        return false;
+    if (produced != qint64(announced)) {
+        problem = QStringLiteral("it inflates to %1 instead of the announced %2")
+                      .arg(bytesText(produced)).arg(announced);
+        return false;
+    }
+    out.resize(int(produced));
+    return true;
+}
+
+} // namespace
+
+UnpackedBinary unpackBinary(const QByteArray& fileData)
+{
+    UnpackedBinary result;
+    if (fileData.size() < 4) {
+        result.problem = QStringLiteral("only %1: too short for a binary document").arg(bytesText(fileData.size()));
+        return result;
+    }
+    result.firstWord = bigEndian32(fileData.constData());
+    if (classForId(qint32(result.firstWord))) {
+        result.kind = UnpackedBinary::Plain;
+        result.bytes = fileData;
+        return result;
+    }
+
+    // Not a plain document: the first word is then the uncompressed size.
+    const QString notPlain = QStringLiteral("the first word %1 is no class id, so not a plain binary document, "
+                                            "and not a compressed one either: ")
+                                 .arg(hex32(result.firstWord));
+    result.announcedSize = result.firstWord;
+    const qint64 streamSize = fileData.size() - 4;
+    // deflate compresses at most about 1032:1; zlib adds a few bytes.
+    const qint64 possible = streamSize * 1032 + 64;
+    if (result.announcedSize == 0) {
+        result.problem = notPlain + QStringLiteral("it announces an uncompressed size of 0");
+        return result;
+    }
+    if (qint64(result.announcedSize) > possible
+        || result.announcedSize > quint32(std::numeric_limits<int>::max() - 1)) {
+        result.problem = notPlain
+            + QStringLiteral("the announced uncompressed size %1 cannot come from %2 of compressed data")
+                  .arg(result.announcedSize).arg(bytesText(streamSize));
+        return result;
+    }
+    QString problem;
+    if (!inflateCompressed(fileData, result.announcedSize, result.bytes, problem)) {
+        result.bytes.clear();
+        result.problem = notPlain + problem;
+        return result;
+    }
+    result.kind = UnpackedBinary::Compressed;
+    return result;
+}
+
+WalkSummary walkBinary(const QByteArray& plain, const std::function<void(const WalkLine&)>& sink)
+{
+    Walker walker(plain, sink);
+    return walker.walkDocument();
+}
+
+QString formatWalkLine(const WalkLine& line)
+{
+    return QStringLiteral("%1  %2%3%4")
+        .arg(line.offset, 6)
+        .arg(QString(line.depth * 2, QLatin1Char(' ')))
+        .arg(line.error ? QStringLiteral("error: ") : QString())
+        .arg(line.text);
+}
+
+} // namespace TorviTool

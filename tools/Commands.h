@@ -1,0 +1,23 @@
+#ifndef TORVIXML_TOOLS_COMMANDS_H
+#define TORVIXML_TOOLS_COMMANDS_H
+
+// The commands of torvixml. Each gets the arguments that follow its name and
+// returns the process's exit code (see ExitCode in ToolSupport.h).
+
+#include <QStringList>
+
+namespace TorviTool {
+
+int runDemo(const QStringList& arguments);
+int runConvert(const QStringList& arguments);
+int runCheck(const QStringList& arguments);
+int runDump(const QStringList& arguments);
+int runNames(const QStringList& arguments);
+
+/// Switches the translation service to the language (when not empty) and
+/// warns on standard error when no TorviXML catalogue for it was found.
+void selectLanguage(const QString& language);
+
+} // namespace TorviTool
+
+#endif
