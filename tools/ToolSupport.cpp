@@ -180,7 +180,7 @@ QString quoted(const QString& text)
     QString result = QStringLiteral("\"");
     const QVector<uint> codePoints = text.toUcs4();
     for (uint c : codePoints)
-        result += needsEscape(c) ? escapedChar(c) : QString::fromUcs4(&c, 1);
+        result += needsEscape(c) ? escapedChar(c) : QString::fromUcs4(reinterpret_cast<const char32_t*>(&c), 1);
     result += QLatin1Char('"');
     return result;
 }

@@ -81,5 +81,32 @@ if(NOT rc EQUAL 0 OR NOT out STREQUAL expected)
                       "stderr:\n${err}\nfiles kept in ${run_dir}")
 endif()
 
+# The same program built through pkg-config instead of CMake.
+find_program(PKG_CONFIG_EXECUTABLE pkg-config)
+if(PKG_CONFIG_EXECUTABLE AND CXX_COMPILER)
+  set(pc_path "${prefix}/${LIBDIR}/pkgconfig")
+  if(DEFINED ENV{PKG_CONFIG_PATH} AND NOT "$ENV{PKG_CONFIG_PATH}" STREQUAL "")
+    string(APPEND pc_path ":$ENV{PKG_CONFIG_PATH}")
+  endif()
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env "PKG_CONFIG_PATH=${pc_path}"
+      ${PKG_CONFIG_EXECUTABLE} --cflags --libs TorviXML
+    RESULT_VARIABLE rc OUTPUT_VARIABLE pc_flags ERROR_VARIABLE pc_err OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "pkg-config does not know TorviXML: ${pc_err}; files kept in ${run_dir}")
+  endif()
+  separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
+  set(pc_program "${run_dir}/torvixml_consumer_pc")
+  run_step("Building the consumer through pkg-config"
+    ${CXX_COMPILER} -std=c++17 "${PROJECT_SOURCE}/main.cpp" -o "${pc_program}" ${pc_flags})
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${library_path}" ${pc_program}
+    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0 OR NOT out STREQUAL expected)
+    message(FATAL_ERROR "The pkg-config build printed (exit code ${rc}):\n[${out}]\nexpected:\n[${expected}]\n"
+                        "stderr:\n${err}\nfiles kept in ${run_dir}")
+  endif()
+else()
+  message(FATAL_ERROR "pkg-config or the compiler is missing; the package is checked through both")
+endif()
+
 file(REMOVE_RECURSE "${run_dir}")
-message(STATUS "Consumer check passed")
+message(STATUS "Consumer check passed (find_package and pkg-config)")

@@ -374,7 +374,7 @@ TEST_F(ToolTest, DumpReportsFaultsWhereTheByteAccountingFails)
 
     // A null text shows as such.
     QByteArray nullName = example153;
-    nullName.replace(61, 5, QByteArray::fromHex("FFFFFFFF") + QByteArray(1, '\0'));
+    nullName.replace(61, 5, QByteArray(QByteArray::fromHex("FFFFFFFF") + QByteArray(1, '\0')));
     run = runTool({QStringLiteral("dump"), file(QStringLiteral("null.bin"), nullName)});
     EXPECT_TRUE(run.out.contains(QStringLiteral("    61              byte count 0xFFFFFFFF: null text\n"
                                                 "    65              error: 1 byte left in the record after the text\n")))
