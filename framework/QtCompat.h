@@ -6,14 +6,24 @@
 
 #include <QCoreApplication>
 #include <QString>
-#include <QXmlStreamReader>
+#include <QTextStream>
 
 namespace TORVIXML {
 namespace Framework {
 
-/// What QXmlStreamReader::name() and text() return: QStringRef in Qt 5,
-/// QStringView in Qt 6. Both compare with QString and QLatin1String.
-using XmlStringView = decltype(std::declval<QXmlStreamReader&>().name());
+// QXmlStreamReader::name() and text() return QStringRef in Qt 5 and
+// QStringView in Qt 6; the code only compares them with QString and
+// QLatin1String and converts them with toString(), which both offer.
+
+/// Makes a text stream write UTF-8 (Qt 6 streams always do).
+inline void UseUtf8(QTextStream& stream)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    stream.setCodec("UTF-8");
+#else
+    Q_UNUSED(stream);
+#endif
+}
 
 /// tr()/trUtf8(): Qt 4 passed an encoding with the source text (CodecForTr
 /// for tr, UnicodeUTF8 for trUtf8). Since Qt 5 source texts are always

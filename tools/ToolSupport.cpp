@@ -13,6 +13,8 @@
 
 #include <cstdio>
 
+#include "QtCompat.h"
+
 namespace TorviTool {
 
 namespace {
@@ -24,9 +26,7 @@ struct Utf8Stream
     explicit Utf8Stream(FILE* file)
         : stream(file)
     {
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-        stream.setCodec("UTF-8"); // Qt 6 streams write UTF-8 anyway
-#endif
+        TORVIXML::Framework::UseUtf8(stream);
     }
     QTextStream stream;
 };
