@@ -81,6 +81,13 @@ class Record : public QSharedData
 public:
     static constexpr int MemberCount = N;
 
+    Record() = default;
+    /// A record whose default flags are known from the start.
+    explicit Record(const QBitArray& defaultFlags)
+        : m_defaultSetFlags(defaultFlags)
+    {
+    }
+
     static const QBitArray& NoFlags() { return Flags(0); }
 
     bool IsSet(int bit) const { return m_setFlags.testBit(bit); }
@@ -126,23 +133,23 @@ private:
 };
 
 /// Creates a record for an object that has none.
-template <typename Data>
-Q_NEVER_INLINE void NewRecord(QSharedDataPointer<Data>& d)
+template <typename Data, typename... Args>
+Q_NEVER_INLINE void NewRecord(QSharedDataPointer<Data>& d, const Args&... args)
 {
-    d = new Data;
+    d = new Data(args...);
 }
 
 /// First half of every InitData(): takes a private copy of a shared record;
 /// creates the record when there is none and returns true in that case.
 /// InitData() runs at the start of nearly every operation, mostly on an
 /// object that already owns its record, so that case is kept inline.
-template <typename Data>
-inline bool CreateRecord(QSharedDataPointer<Data>& d)
+template <typename Data, typename... Args>
+inline bool CreateRecord(QSharedDataPointer<Data>& d, const Args&... args)
 {
     d.detach();
     if (d)
         return false;
-    NewRecord(d);
+    NewRecord(d, args...);
     return true;
 }
 

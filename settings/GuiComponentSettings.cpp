@@ -36,17 +36,25 @@ TORVIXML_ENUM_MEMBER(GuiComponentSettings, DockWidgetLocation, m_dockWidgetLocat
 TORVIXML_TEXT_MEMBER(GuiComponentSettings, Name, m_name, Data::NameBit)
 TORVIXML_TRANSLATION_FUNCTIONS(GuiComponentSettings, "TORVIXML::GuiComponentSettings")
 
+namespace {
+// Each new record starts with these default flags.
+const QBitArray& DefaultFlags()
+{
+    static const QBitArray defaultFlags =
+        Framework::MakeFlags<3>({Data::GuiComponentUsageBit, Data::DockWidgetLocationBit});
+    return defaultFlags;
+}
+} // namespace
+
 void GuiComponentSettings::InitData() const
 {
-    if (!Framework::CreateRecord(d))
+    if (!Framework::CreateRecord(d, DefaultFlags()))
         return;
     // The defaults are given by name.
     static const auto usageDefault = GuiComponentUsage(GuiComponentUsageNames().IndexOf(QLatin1String("AVAILABLE")));
     static const auto dockDefault = DockWidgetLocation(DockWidgetLocationNames().IndexOf(QLatin1String("NoDockWidgetArea")));
-    static const QBitArray defaultFlags = Framework::MakeFlags<3>({Data::GuiComponentUsageBit, Data::DockWidgetLocationBit});
     d->m_guiComponentUsage.defaultValue = usageDefault;
     d->m_dockWidgetLocation.defaultValue = dockDefault;
-    d->m_defaultSetFlags = defaultFlags;
     ConstNoClearReset();
     SetValidate(GetValidate());
     SetLogger(GetLogger());

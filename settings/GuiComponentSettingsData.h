@@ -19,6 +19,8 @@ class GuiComponentSettingsData : public Framework::Record<3>
 public:
     enum Bits { GuiComponentUsageBit = 0, DockWidgetLocationBit = 1, NameBit = 2 };
 
+    using Framework::Record<3>::Record;
+
     Framework::EnumField<GuiComponentSettings::GuiComponentUsage> m_guiComponentUsage;
     Framework::EnumField<GuiComponentSettings::DockWidgetLocation> m_dockWidgetLocation;
     Framework::TextField m_name;

@@ -25,16 +25,23 @@ TORVIXML_ENUM_MEMBER(TorviGuiModeSettings, OperationModeHandler, m_operationMode
                      Data::OperationModeHandlerBit, OperationModeHandlerNames())
 TORVIXML_TRANSLATION_FUNCTIONS(TorviGuiModeSettings, "TORVIXML::TorviGuiModeSettings")
 
+namespace {
+// Each new record starts with these default flags.
+const QBitArray& DefaultFlags()
+{
+    static const QBitArray defaultFlags = Framework::MakeFlags<2>({Data::OperationModeHandlerBit});
+    return defaultFlags;
+}
+} // namespace
+
 void TorviGuiModeSettings::InitData() const
 {
-    if (!Framework::CreateRecord(d))
+    if (!Framework::CreateRecord(d, DefaultFlags()))
         return;
     // The default handler is given by name.
     static const auto handlerDefault =
         OperationModeHandler(OperationModeHandlerNames().IndexOf(QLatin1String("TX470ManagementComponent")));
-    static const QBitArray defaultFlags = Framework::MakeFlags<2>({Data::OperationModeHandlerBit});
     d->m_operationModeHandler.defaultValue = handlerDefault;
-    d->m_defaultSetFlags = defaultFlags;
     ConstNoClearReset();
     SetValidate(GetValidate());
     SetLogger(GetLogger());

@@ -17,6 +17,8 @@ class TorviGuiModeSettingsData : public Framework::Record<2>
 public:
     enum Bits { DataOperationModeBit = 0, OperationModeHandlerBit = 1 };
 
+    using Framework::Record<2>::Record;
+
     Framework::ListField<DataOperationMode> m_dataOperationMode;
     Framework::EnumField<TorviGuiModeSettings::OperationModeHandler> m_operationModeHandler;
 };
