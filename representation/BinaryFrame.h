@@ -57,16 +57,16 @@ public:
     void Name(qint32 memberId, const QByteArray* utf8);
 
     /// A list record (nothing for an empty list): the element count, then
-    /// each element's frame without id.
-    template <typename T>
-    void List(qint32 memberId, const QVector<T>& list)
+    /// each element's frame without id, written by writeElement(element).
+    template <typename T, typename WriteElement>
+    void List(qint32 memberId, const QVector<T>& list, WriteElement&& writeElement)
     {
         if (list.isEmpty())
             return;
         const qint64 start = BeginRecord(memberId);
         m_stream << qint32(list.size());
         for (const T& element : list)
-            element.GetBinary(m_stream, memberId, false);
+            writeElement(element);
         EndRecord(start);
     }
 

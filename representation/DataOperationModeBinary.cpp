@@ -20,12 +20,23 @@ bool DataOperationMode::GetBinary(QDataStream& stream, int id, bool writeId) con
 {
     if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))
         return false;
+    WriteBinaryFrame(stream, id, writeId);
+    return true;
+}
+
+void DataOperationMode::WriteBinaryFrame(QDataStream& stream, int id, bool writeId) const
+{
     InitData();
+    const bool prepared = Validation::ElementsPrepared(GetValidate(), IsGuiComponentSettingsSet());
     Binary::FrameWriter frame(stream, id, writeId);
     frame.Text(NameMember, d->m_name.value);
-    frame.List(GuiComponentSettingsMember, d->m_guiComponentSettings.list);
+    frame.List(GuiComponentSettingsMember, d->m_guiComponentSettings.list, [&](const GuiComponentSettings& element) {
+        if (prepared)
+            element.WriteBinaryFrame(stream, GuiComponentSettingsMember, false);
+        else
+            element.GetBinary(stream, GuiComponentSettingsMember, false);
+    });
     frame.Finish();
-    return true;
 }
 
 void DataOperationMode::SetBinary(QDataStream& stream, int length)

@@ -16,13 +16,22 @@ namespace TORVIXML {
 
 void DataOperationMode::GetXml(QXmlStreamWriter& writer) const
 {
-    if (!Validation::WritePrologue(*this))
-        return;
+    if (Validation::WritePrologue(*this))
+        WriteXmlElement(writer);
+}
+
+void DataOperationMode::WriteXmlElement(QXmlStreamWriter& writer) const
+{
     InitData();
+    const bool prepared = Validation::ElementsPrepared(GetValidate(), IsGuiComponentSettingsSet());
     writer.writeStartElement(GetObjectName());
     writer.writeAttribute(QStringLiteral("Name"), d->m_name.value);
-    for (const GuiComponentSettings& element : d->m_guiComponentSettings.list)
-        element.GetXml(writer);
+    for (const GuiComponentSettings& element : d->m_guiComponentSettings.list) {
+        if (prepared)
+            element.WriteXmlElement(writer);
+        else
+            element.GetXml(writer);
+    }
     writer.writeEndElement();
 }
 

@@ -21,13 +21,18 @@ bool GuiComponentSettings::GetBinary(QDataStream& stream, int id, bool writeId) 
 {
     if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))
         return false;
+    WriteBinaryFrame(stream, id, writeId);
+    return true;
+}
+
+void GuiComponentSettings::WriteBinaryFrame(QDataStream& stream, int id, bool writeId) const
+{
     InitData();
     Binary::FrameWriter frame(stream, id, writeId);
     frame.Text(NameMember, d->m_name.value);
     frame.Name(GuiComponentUsageMember, GuiComponentUsageNames().Utf8Name(d->m_guiComponentUsage.value));
     frame.Name(DockWidgetLocationMember, DockWidgetLocationNames().Utf8Name(d->m_dockWidgetLocation.value));
     frame.Finish();
-    return true;
 }
 
 void GuiComponentSettings::SetBinary(QDataStream& stream, int length)

@@ -16,8 +16,12 @@ namespace TORVIXML {
 
 void GuiComponentSettings::GetXml(QXmlStreamWriter& writer) const
 {
-    if (!Validation::WritePrologue(*this))
-        return;
+    if (Validation::WritePrologue(*this))
+        WriteXmlElement(writer);
+}
+
+void GuiComponentSettings::WriteXmlElement(QXmlStreamWriter& writer) const
+{
     InitData();
     writer.writeStartElement(GetObjectName());
     writer.writeAttribute(QStringLiteral("Name"), d->m_name.value);

@@ -20,12 +20,23 @@ bool TorviGuiModeSettings::GetBinary(QDataStream& stream, int id, bool writeId) 
 {
     if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))
         return false;
+    WriteBinaryFrame(stream, id, writeId);
+    return true;
+}
+
+void TorviGuiModeSettings::WriteBinaryFrame(QDataStream& stream, int id, bool writeId) const
+{
     InitData();
+    const bool prepared = Validation::ElementsPrepared(GetValidate(), IsDataOperationModeSet());
     Binary::FrameWriter frame(stream, id, writeId);
-    frame.List(DataOperationModeMember, d->m_dataOperationMode.list);
+    frame.List(DataOperationModeMember, d->m_dataOperationMode.list, [&](const DataOperationMode& element) {
+        if (prepared)
+            element.WriteBinaryFrame(stream, DataOperationModeMember, false);
+        else
+            element.GetBinary(stream, DataOperationModeMember, false);
+    });
     frame.Name(OperationModeHandlerMember, OperationModeHandlerNames().Utf8Name(d->m_operationModeHandler.value));
     frame.Finish();
-    return true;
 }
 
 void TorviGuiModeSettings::SetBinary(QDataStream& stream, int length)

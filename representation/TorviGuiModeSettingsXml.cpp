@@ -16,12 +16,21 @@ namespace TORVIXML {
 
 void TorviGuiModeSettings::GetXml(QXmlStreamWriter& writer) const
 {
-    if (!Validation::WritePrologue(*this))
-        return;
+    if (Validation::WritePrologue(*this))
+        WriteXmlElement(writer);
+}
+
+void TorviGuiModeSettings::WriteXmlElement(QXmlStreamWriter& writer) const
+{
     InitData();
+    const bool prepared = Validation::ElementsPrepared(GetValidate(), IsDataOperationModeSet());
     writer.writeStartElement(GetObjectName());
-    for (const DataOperationMode& element : d->m_dataOperationMode.list)
-        element.GetXml(writer);
+    for (const DataOperationMode& element : d->m_dataOperationMode.list) {
+        if (prepared)
+            element.WriteXmlElement(writer);
+        else
+            element.GetXml(writer);
+    }
     writer.writeTextElement(QStringLiteral("OperationModeHandler"),
                             OperationModeHandlerToName(d->m_operationModeHandler.value));
     writer.writeEndElement();

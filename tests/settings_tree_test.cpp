@@ -590,3 +590,46 @@ TEST(SettingsTreeValue, CopyConstructorCarriesTheFlagDownButNoLogger)
     source.GetDataOperationMode()[0].SetValidate(true);
     ExpectAll(Elements(R(source)), false, nullptr);
 }
+
+// Check() looks at a list only while it is marked set. A list that holds
+// elements without being marked set (filled through a reference kept from
+// the non-const getter after the list was reset) is not checked by its
+// owner, so each of its elements still runs its own write prologue: in
+// validation mode an incomplete one stops the write with its own message,
+// and a complete one is written.
+TEST(SettingsTreeValidation, ElementsOfAnUnsetListAreCheckedWhenWritten)
+{
+    // Both lists end up holding one element each while marked unset.
+    const auto build = [](const G& component) {
+        R root = Root(0);
+        QVector<M>& modes = root.GetDataOperationMode();
+        root.ResetDataOperationMode();
+        M mode = Mode("M");
+        QVector<G>& components = mode.GetGuiComponentSettings();
+        mode.ResetGuiComponentSettings();
+        components.append(component);
+        modes.append(mode);
+        root.SetValidate(true);
+        return root;
+    };
+
+    G unnamed = Component("X");
+    unnamed.ResetName();
+    const R incomplete = build(unnamed);
+    ASSERT_FALSE(incomplete.IsDataOperationModeSet());
+    ASSERT_FALSE(incomplete.GetDataOperationMode()[0].IsGuiComponentSettingsSet());
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { incomplete.Check(); }), Passes);
+    const QString componentMessage = Q("GuiComponentSettings: Please set Name properly.");
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { incomplete.GetXmlString(); }), componentMessage);
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { incomplete.GetBinaryRepresentationAsQByteArray(); }),
+              componentMessage);
+
+    const R complete = build(Component("X"));
+    EXPECT_EQ(complete.GetXmlString(),
+              Q("<?xml version=\"1.0\" encoding=\"UTF-8\"?><TorviGuiModeSettings><DataOperationMode Name=\"M\">"
+                "<GuiComponentSettings Name=\"X\"><GuiComponentUsage>AVAILABLE</GuiComponentUsage>"
+                "<DockWidgetLocation>LeftDockWidgetArea</DockWidgetLocation></GuiComponentSettings>"
+                "</DataOperationMode><OperationModeHandler>TX470ManagementComponent</OperationModeHandler>"
+                "</TorviGuiModeSettings>\n"));
+    EXPECT_EQ(complete.GetBinaryRepresentationAsQByteArray().size(), 153);
+}

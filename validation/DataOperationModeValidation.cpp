@@ -8,10 +8,16 @@ namespace TORVIXML {
 void DataOperationMode::Check(bool flag) const
 {
     Validation::Reapply(*this);
+    CheckMembers(flag);
+}
+
+void DataOperationMode::CheckMembers(bool flag) const
+{
+    // The elements hold this object's flag and logger already.
     InitData();
     if (IsGuiComponentSettingsSet()) {
         for (const GuiComponentSettings& element : d->m_guiComponentSettings.list)
-            element.Check(flag);
+            element.CheckMembers(flag);
     }
     Validation::Require(*this, IsNameSet() && !d->m_name.value.isNull(), "Name");
 }

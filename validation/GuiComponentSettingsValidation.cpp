@@ -5,9 +5,14 @@
 
 namespace TORVIXML {
 
-void GuiComponentSettings::Check(bool) const
+void GuiComponentSettings::Check(bool flag) const
 {
     Validation::Reapply(*this);
+    CheckMembers(flag);
+}
+
+void GuiComponentSettings::CheckMembers(bool) const
+{
     InitData();
     // The record exists and is this object's own now: the members are read
     // from it directly rather than through accessors that would each make

@@ -8,10 +8,16 @@ namespace TORVIXML {
 void TorviGuiModeSettings::Check(bool flag) const
 {
     Validation::Reapply(*this);
+    CheckMembers(flag);
+}
+
+void TorviGuiModeSettings::CheckMembers(bool flag) const
+{
+    // The elements hold this object's flag and logger already.
     InitData();
     if (IsDataOperationModeSet()) {
         for (const DataOperationMode& element : d->m_dataOperationMode.list)
-            element.Check(flag);
+            element.CheckMembers(flag);
     }
     Validation::Require(*this,
                         IsOperationModeHandlerSet() && IsValidOperationModeHandler(GetOperationModeHandler()),

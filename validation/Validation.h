@@ -47,11 +47,23 @@ inline void Reapply(const REPORTGENERATOR::IRGObject& object)
 /// without data. Returns whether the object is to be written.
 inline bool WritePrologue(const REPORTGENERATOR::IRGObject& object)
 {
-    Reapply(object);
-    if (!object.GetValidate())
+    if (!object.GetValidate()) {
+        Reapply(object);
         return true;
+    }
+    // Check() re-applies flag and logger itself.
     object.Check();
     return object.HasData();
+}
+
+/// Whether the elements of a list may be written without their own write
+/// prologue, because their owner's prologue already did all it would do:
+/// it handed flag and logger down to them, and in validation mode its
+/// Check() checked them (it does so when the list is marked set), and an
+/// object that passes its check has data.
+inline bool ElementsPrepared(bool validate, bool listSet)
+{
+    return !validate || listSet;
 }
 
 /// The re-application at the start of every child element while an XML
