@@ -4,6 +4,8 @@
 #include <QByteArray>
 #include <QtEndian>
 
+#include <limits>
+
 namespace TORVIXML {
 namespace Binary {
 
@@ -41,68 +43,69 @@ namespace {
 
 constexpr quint32 SmallText = 256;
 
-// The part of ReadText() after the byte count, for texts that do not fit
-// into a small buffer.
-QString ReadLargeText(QDataStream& stream, quint32 count)
+// The bytes of a text payload after its count: null after a short read.
+// Texts that are longer than the small buffer and cannot be read in place
+// grow with the bytes that really arrive, so a count that lies costs no
+// more memory than the input holds.
+const char* ReadPayload(Source& in, quint32 count, char (&small)[SmallText], QByteArray& large)
 {
-    // Larger texts grow with the bytes that really arrive, so a count that
-    // lies costs no more memory than the input holds.
+    if (in.Direct() || count <= SmallText)
+        return in.ReadBytes(int(count), small);
     constexpr quint32 Step = 1024 * 1024;
-    QByteArray bytes;
     quint32 done = 0;
     while (done < count) {
         const quint32 chunk = qMin(Step, count - done);
-        bytes.resize(int(done + chunk));
-        if (stream.readRawData(bytes.data() + done, int(chunk)) != int(chunk)) {
-            stream.setStatus(QDataStream::ReadPastEnd);
-            return QStringLiteral("");
-        }
+        large.resize(int(done + chunk));
+        if (!in.ReadBytes(int(chunk), large.data() + done))
+            return nullptr;
         done += chunk;
     }
-    return QString::fromUtf8(bytes.constData(), int(bytes.size()));
+    return large.constData();
+}
+
+// The count of a text payload; 0 for a null or empty text and after a short
+// read.
+quint32 ReadCount(Source& in)
+{
+    const quint32 count = in.ReadUInt32();
+    if (count == 0xFFFFFFFFu || !in.Ok() || count > quint32(std::numeric_limits<int>::max()))
+        return 0;
+    return count;
 }
 
 } // namespace
 
-QString ReadText(QDataStream& stream)
+QString ReadText(Source& in)
 {
-    quint32 count = 0;
-    stream >> count;
-    if (count == 0 || count == 0xFFFFFFFFu || stream.status() != QDataStream::Ok)
+    const quint32 count = ReadCount(in);
+    if (count == 0)
         return QStringLiteral("");
-    if (count <= SmallText) {
-        char buffer[SmallText];
-        if (stream.readRawData(buffer, int(count)) != int(count)) {
-            stream.setStatus(QDataStream::ReadPastEnd);
-            return QStringLiteral("");
-        }
-        return QString::fromUtf8(buffer, int(count));
-    }
-    return ReadLargeText(stream, count);
+    char small[SmallText];
+    QByteArray large;
+    const char* bytes = ReadPayload(in, count, small, large);
+    if (!bytes)
+        return QStringLiteral("");
+    return QString::fromUtf8(bytes, int(count));
 }
 
-int ReadName(QDataStream& stream, const Framework::EnumNameTable& table, QString& text)
+int ReadName(Source& in, const Framework::EnumNameTable& table, QString& text)
 {
-    quint32 count = 0;
-    stream >> count;
-    if (count == 0 || count == 0xFFFFFFFFu || stream.status() != QDataStream::Ok) {
+    const quint32 count = ReadCount(in);
+    if (count == 0) {
         text = QStringLiteral("");
         return -1;
     }
-    if (count <= SmallText) {
-        char buffer[SmallText];
-        if (stream.readRawData(buffer, int(count)) != int(count)) {
-            stream.setStatus(QDataStream::ReadPastEnd);
-            text = QStringLiteral("");
-            return -1;
-        }
-        const int value = table.IndexOfUtf8(buffer, int(count));
-        if (value < 0)
-            text = QString::fromUtf8(buffer, int(count));
-        return value;
+    char small[SmallText];
+    QByteArray large;
+    const char* bytes = ReadPayload(in, count, small, large);
+    if (!bytes) {
+        text = QStringLiteral("");
+        return -1;
     }
-    text = ReadLargeText(stream, count);
-    return -1;
+    const int value = table.IndexOfUtf8(bytes, int(count));
+    if (value < 0)
+        text = QString::fromUtf8(bytes, int(count));
+    return value;
 }
 
 FrameWriter::FrameWriter(QDataStream& stream, int id, bool writeId)
@@ -172,11 +175,10 @@ void ThrowLengthError(const REPORTGENERATOR::IRGObject& object)
     throw BinaryParsingException(Framework::LengthErrorMessage(object.GetObjectName()));
 }
 
-int ReservationFor(QDataStream& stream, qint32 count, qint32 recordLength)
+int ReservationFor(const Source& in, qint32 count, qint32 recordLength)
 {
     qint64 room = qMin<qint64>(count, qMax<qint64>(0, qint64(recordLength) - 4) / 4);
-    if (QIODevice* device = stream.device())
-        room = qMin<qint64>(room, qMax<qint64>(0, device->bytesAvailable()) / 4);
+    room = qMin<qint64>(room, in.BytesAvailable() / 4);
     return int(room);
 }
 

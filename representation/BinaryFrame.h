@@ -11,6 +11,7 @@
 #include "BinaryParsingException.h"
 #include "IRGObject.h"
 
+#include "BinarySource.h"
 #include "EnumNameTable.h"
 #include "Messages.h"
 
@@ -37,12 +38,12 @@ void WriteText(QDataStream& stream, const QString& text);
 void WriteUtf8(QDataStream& stream, const QByteArray* utf8);
 /// Reads a text payload. A null or empty array, and a short read, give an
 /// empty, non-null text.
-QString ReadText(QDataStream& stream);
+QString ReadText(Source& in);
 /// Reads the text payload of an enumeration member. When its bytes are
 /// exactly the UTF-8 name of a value of the table, returns that value
 /// without decoding anything; otherwise returns -1 and sets text to what
 /// ReadText() gives for the payload, for the member's own name lookup.
-int ReadName(QDataStream& stream, const Framework::EnumNameTable& table, QString& text);
+int ReadName(Source& in, const Framework::EnumNameTable& table, QString& text);
 
 /// Writes one object frame: the constructor writes the id (if asked) and
 /// the object length placeholder, Finish() patches it.
@@ -88,7 +89,7 @@ private:
 [[noreturn]] void ThrowLengthError(const REPORTGENERATOR::IRGObject& object);
 
 /// The record loop of SetBinary(): reads member records until the object
-/// length is used up or the stream ends, handing each to read(memberId,
+/// length is used up or the stream ends, handing each to read(in, memberId,
 /// recordLength), which returns false for a member id its class does not
 /// know; such records are skipped. Throws the length error unless the
 /// records add up to exactly the object length.
@@ -96,14 +97,16 @@ template <typename ReadMember>
 void ReadRecords(const REPORTGENERATOR::IRGObject& object, QDataStream& stream, int length,
                  ReadMember&& read)
 {
+    Source in(stream);
     qint64 remaining = length;
-    while (remaining > 0 && !stream.atEnd()) {
-        qint32 memberId = 0;
-        qint32 recordLength = 0;
-        stream >> memberId >> recordLength;
+    while (remaining > 0 && !in.AtEnd()) {
+        const qint32 memberId = in.ReadInt32();
+        const qint32 recordLength = in.ReadInt32();
         remaining -= 8 + qint64(recordLength);
-        if (!read(memberId, recordLength))
-            object.skipCurrentElement(stream, recordLength, memberId);
+        if (!read(in, memberId, recordLength)) {
+            const Source::HandOn lent(in);
+            object.skipCurrentElement(lent.Stream(), recordLength, memberId);
+        }
     }
     if (remaining != 0)
         ThrowLengthError(object);
@@ -112,32 +115,33 @@ void ReadRecords(const REPORTGENERATOR::IRGObject& object, QDataStream& stream, 
 /// How many elements to make room for when a list record announces count
 /// elements: never more than the record length, or the bytes the device
 /// still holds, can carry at four bytes per element frame.
-int ReservationFor(QDataStream& stream, qint32 count, qint32 recordLength);
+int ReservationFor(const Source& in, qint32 count, qint32 recordLength);
 
 /// A list payload: the element count, then each element read into a fresh
 /// element that carries the owner's flag and logger, then handed to
 /// append(T&&). Elements announced beyond the end of the stream are a
 /// length error of the owner.
 template <typename T, typename AppendElement>
-void ReadList(const REPORTGENERATOR::IRGObject& owner, QDataStream& stream, qint32 recordLength,
-              QVector<T>& list, AppendElement&& append)
+void ReadList(const REPORTGENERATOR::IRGObject& owner, Source& in, qint32 recordLength, QVector<T>& list,
+              AppendElement&& append)
 {
-    qint32 count = 0;
-    stream >> count;
+    const qint32 count = in.ReadInt32();
     if (count <= 0)
         return;
-    list.reserve(list.size() + ReservationFor(stream, count, recordLength));
+    list.reserve(list.size() + ReservationFor(in, count, recordLength));
     const bool validate = owner.GetValidate();
     const std::shared_ptr<REPORTGENERATOR::Logger> logger = owner.GetLogger();
     for (qint32 i = 0; i < count; ++i) {
-        if (stream.atEnd() || stream.status() != QDataStream::Ok)
+        if (in.AtEnd() || !in.Ok())
             ThrowLengthError(owner);
-        qint32 elementLength = 0;
-        stream >> elementLength;
+        const qint32 elementLength = in.ReadInt32();
         T element;
         element.SetValidate(validate);
         element.SetLogger(logger);
-        element.SetBinary(stream, elementLength);
+        {
+            const Source::HandOn lent(in);
+            element.SetBinary(lent.Stream(), elementLength);
+        }
         append(std::move(element));
     }
 }

@@ -43,13 +43,13 @@ void DataOperationMode::SetBinary(QDataStream& stream, int length)
 {
     Validation::Reapply(*this);
     InitData();
-    Binary::ReadRecords(*this, stream, length, [&](qint32 memberId, qint32 recordLength) {
+    Binary::ReadRecords(*this, stream, length, [&](Binary::Source& in, qint32 memberId, qint32 recordLength) {
         switch (memberId) {
         case NameMember:
-            SetName(Binary::ReadText(stream));
+            SetName(Binary::ReadText(in));
             return true;
         case GuiComponentSettingsMember:
-            Binary::ReadList(*this, stream, recordLength, d->m_guiComponentSettings.list,
+            Binary::ReadList(*this, in, recordLength, d->m_guiComponentSettings.list,
                              [this](GuiComponentSettings&& element) { AppendRead(std::move(element)); });
             return true;
         default:

@@ -39,19 +39,19 @@ void GuiComponentSettings::SetBinary(QDataStream& stream, int length)
 {
     Validation::Reapply(*this);
     InitData();
-    Binary::ReadRecords(*this, stream, length, [&](qint32 memberId, qint32) {
+    Binary::ReadRecords(*this, stream, length, [&](Binary::Source& in, qint32 memberId, qint32) {
         QString text;
         switch (memberId) {
         case NameMember:
-            SetName(Binary::ReadText(stream));
+            SetName(Binary::ReadText(in));
             return true;
         case GuiComponentUsageMember: {
-            const int value = Binary::ReadName(stream, GuiComponentUsageNames(), text);
+            const int value = Binary::ReadName(in, GuiComponentUsageNames(), text);
             SetGuiComponentUsage(value >= 0 ? GuiComponentUsage(value) : NameToGuiComponentUsage(text));
             return true;
         }
         case DockWidgetLocationMember: {
-            const int value = Binary::ReadName(stream, DockWidgetLocationNames(), text);
+            const int value = Binary::ReadName(in, DockWidgetLocationNames(), text);
             SetDockWidgetLocation(value >= 0 ? DockWidgetLocation(value) : NameToDockWidgetLocation(text));
             return true;
         }

@@ -43,15 +43,15 @@ void TorviGuiModeSettings::SetBinary(QDataStream& stream, int length)
 {
     Validation::Reapply(*this);
     InitData();
-    Binary::ReadRecords(*this, stream, length, [&](qint32 memberId, qint32 recordLength) {
+    Binary::ReadRecords(*this, stream, length, [&](Binary::Source& in, qint32 memberId, qint32 recordLength) {
         switch (memberId) {
         case DataOperationModeMember:
-            Binary::ReadList(*this, stream, recordLength, d->m_dataOperationMode.list,
+            Binary::ReadList(*this, in, recordLength, d->m_dataOperationMode.list,
                              [this](DataOperationMode&& element) { AppendRead(std::move(element)); });
             return true;
         case OperationModeHandlerMember: {
             QString text;
-            const int value = Binary::ReadName(stream, OperationModeHandlerNames(), text);
+            const int value = Binary::ReadName(in, OperationModeHandlerNames(), text);
             SetOperationModeHandler(value >= 0 ? OperationModeHandler(value) : NameToOperationModeHandler(text));
             return true;
         }

@@ -671,3 +671,77 @@ TEST(BinaryRepresentation, DevicesThatCannotBePatchedAreRefused)
     EXPECT_EQ(document.status(), QDataStream::WriteFailed);
     EXPECT_TRUE(sink.written.isEmpty());
 }
+
+// The readers take the bytes of a plain QBuffer directly and read any other
+// device through the stream. Both must leave the same object, the same
+// stream position and status, and throw the same message, for every prefix
+// and every single-byte corruption of the example, in both byte orders.
+class ThroughTheStream : public QBuffer
+{
+    Q_OBJECT
+};
+
+TEST(BinaryRepresentation, DirectAndStreamReadingAgree)
+{
+    struct Outcome
+    {
+        QString message;
+        qint64 position = 0;
+        int status = 0;
+        QString xml;
+    };
+    const auto readRoot = [](const QByteArray& bytes, QDataStream::ByteOrder order, bool direct) {
+        QBuffer plain;
+        ThroughTheStream derived;
+        QBuffer& device = direct ? plain : derived;
+        device.setData(bytes);
+        device.open(QIODevice::ReadOnly);
+        QDataStream stream(&device);
+        stream.setByteOrder(order);
+        TorviGuiModeSettings root;
+        Outcome outcome;
+        try {
+            root.SetBinary(stream, 145);
+        } catch (const ReportException& e) {
+            outcome.message = e.GetMessageText();
+        }
+        outcome.position = device.pos();
+        outcome.status = int(stream.status());
+        outcome.xml = root.GetXmlString();
+        return outcome;
+    };
+    QByteArray littleEndian;
+    {
+        QBuffer buffer(&littleEndian);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        stream.setByteOrder(QDataStream::LittleEndian);
+        ExampleRoot().GetBinary(stream, 0, false);
+    }
+    for (const auto& [document, order] : {std::make_pair(kRoot.mid(8), QDataStream::BigEndian),
+                                           std::make_pair(littleEndian.mid(4), QDataStream::LittleEndian)}) {
+        std::vector<QByteArray> inputs;
+        for (int length = 0; length <= document.size(); ++length)
+            inputs.push_back(document.left(length));
+        for (int offset = 0; offset < document.size(); ++offset) {
+            QByteArray damaged = document;
+            damaged[offset] = char(damaged[offset] ^ 0x41);
+            inputs.push_back(damaged);
+        }
+        for (const QByteArray& input : inputs) {
+            SCOPED_TRACE(input.toHex().toStdString());
+            const Outcome direct = readRoot(input, order, true);
+            const Outcome streamed = readRoot(input, order, false);
+            EXPECT_EQ(direct.message, streamed.message);
+            EXPECT_EQ(direct.position, streamed.position);
+            EXPECT_EQ(direct.status, streamed.status);
+            EXPECT_EQ(direct.xml, streamed.xml);
+        }
+    }
+    const Outcome whole = readRoot(kRoot.mid(8), QDataStream::BigEndian, true);
+    EXPECT_EQ(whole.message, QString());
+    EXPECT_EQ(whole.position, 145);
+    EXPECT_EQ(whole.status, int(QDataStream::Ok));
+}
+
+#include "binary_representation_test.moc"
