@@ -68,8 +68,22 @@ const char* ReadPayload(Source& in, quint32 count, char (&small)[SmallText], QBy
 quint32 ReadCount(Source& in)
 {
     const quint32 count = in.ReadUInt32();
-    if (count == 0xFFFFFFFFu || !in.Ok() || count > quint32(std::numeric_limits<int>::max()))
+    if (count == 0xFFFFFFFFu || !in.Ok())
         return 0;
+    if (count > quint32(std::numeric_limits<int>::max())) {
+        // More than a byte array can hold. The payload is passed over as a
+        // text of that length would be read, without keeping it, so that
+        // the stream ends up where such a read leaves it: in practice at
+        // its end, with the status of a short read.
+        char scratch[4096];
+        for (quint32 left = count; left > 0;) {
+            const int chunk = int(qMin<quint32>(left, sizeof scratch));
+            if (!in.ReadBytes(chunk, scratch))
+                break;
+            left -= quint32(chunk);
+        }
+        return 0;
+    }
     return count;
 }
 

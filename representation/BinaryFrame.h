@@ -14,6 +14,7 @@
 #include "BinarySource.h"
 #include "EnumNameTable.h"
 #include "Messages.h"
+#include "Validation.h"
 
 #include <QByteArray>
 #include <QDataStream>
@@ -148,5 +149,16 @@ void ReadList(const REPORTGENERATOR::IRGObject& owner, Source& in, qint32 record
 
 } // namespace Binary
 } // namespace TORVIXML
+
+// GetBinary() of every class: a device that cannot be patched is refused
+// before anything happens, then the write prologue, then the frame.
+#define TORVIXML_BINARY_WRITE_ENTRY(Class)                                                     \
+    bool Class::GetBinary(QDataStream& stream, int id, bool writeId) const                     \
+    {                                                                                          \
+        if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))                    \
+            return false;                                                                      \
+        WriteBinaryFrame(stream, id, writeId);                                                 \
+        return true;                                                                           \
+    }
 
 #endif

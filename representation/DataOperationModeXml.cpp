@@ -14,11 +14,7 @@
 
 namespace TORVIXML {
 
-void DataOperationMode::GetXml(QXmlStreamWriter& writer) const
-{
-    if (Validation::WritePrologue(*this))
-        WriteXmlElement(writer);
-}
+TORVIXML_XML_WRITE_ENTRY(DataOperationMode)
 
 void DataOperationMode::WriteXmlElement(QXmlStreamWriter& writer) const
 {
@@ -26,12 +22,8 @@ void DataOperationMode::WriteXmlElement(QXmlStreamWriter& writer) const
     const bool prepared = Validation::ElementsPrepared(GetValidate(), IsGuiComponentSettingsSet());
     writer.writeStartElement(GetObjectName());
     writer.writeAttribute(QStringLiteral("Name"), d->m_name.value);
-    for (const GuiComponentSettings& element : d->m_guiComponentSettings.list) {
-        if (prepared)
-            element.WriteXmlElement(writer);
-        else
-            element.GetXml(writer);
-    }
+    for (const GuiComponentSettings& element : d->m_guiComponentSettings.list)
+        prepared ? element.WriteXmlElement(writer) : element.GetXml(writer);
     writer.writeEndElement();
 }
 

@@ -17,13 +17,7 @@ enum MemberId : qint32 {
 };
 }
 
-bool GuiComponentSettings::GetBinary(QDataStream& stream, int id, bool writeId) const
-{
-    if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))
-        return false;
-    WriteBinaryFrame(stream, id, writeId);
-    return true;
-}
+TORVIXML_BINARY_WRITE_ENTRY(GuiComponentSettings)
 
 void GuiComponentSettings::WriteBinaryFrame(QDataStream& stream, int id, bool writeId) const
 {

@@ -14,11 +14,7 @@
 
 namespace TORVIXML {
 
-void GuiComponentSettings::GetXml(QXmlStreamWriter& writer) const
-{
-    if (Validation::WritePrologue(*this))
-        WriteXmlElement(writer);
-}
+TORVIXML_XML_WRITE_ENTRY(GuiComponentSettings)
 
 void GuiComponentSettings::WriteXmlElement(QXmlStreamWriter& writer) const
 {

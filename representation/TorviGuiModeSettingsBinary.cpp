@@ -16,13 +16,7 @@ enum MemberId : qint32 {
 };
 }
 
-bool TorviGuiModeSettings::GetBinary(QDataStream& stream, int id, bool writeId) const
-{
-    if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))
-        return false;
-    WriteBinaryFrame(stream, id, writeId);
-    return true;
-}
+TORVIXML_BINARY_WRITE_ENTRY(TorviGuiModeSettings)
 
 void TorviGuiModeSettings::WriteBinaryFrame(QDataStream& stream, int id, bool writeId) const
 {

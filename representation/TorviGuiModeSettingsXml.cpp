@@ -14,23 +14,15 @@
 
 namespace TORVIXML {
 
-void TorviGuiModeSettings::GetXml(QXmlStreamWriter& writer) const
-{
-    if (Validation::WritePrologue(*this))
-        WriteXmlElement(writer);
-}
+TORVIXML_XML_WRITE_ENTRY(TorviGuiModeSettings)
 
 void TorviGuiModeSettings::WriteXmlElement(QXmlStreamWriter& writer) const
 {
     InitData();
     const bool prepared = Validation::ElementsPrepared(GetValidate(), IsDataOperationModeSet());
     writer.writeStartElement(GetObjectName());
-    for (const DataOperationMode& element : d->m_dataOperationMode.list) {
-        if (prepared)
-            element.WriteXmlElement(writer);
-        else
-            element.GetXml(writer);
-    }
+    for (const DataOperationMode& element : d->m_dataOperationMode.list)
+        prepared ? element.WriteXmlElement(writer) : element.GetXml(writer);
     writer.writeTextElement(QStringLiteral("OperationModeHandler"),
                             OperationModeHandlerToName(d->m_operationModeHandler.value));
     writer.writeEndElement();

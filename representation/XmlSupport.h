@@ -6,6 +6,7 @@
 #include "IRGObject.h"
 
 #include "MemberRecord.h"
+#include "Validation.h"
 
 #include <QString>
 #include <QXmlStreamReader>
@@ -59,5 +60,13 @@ void ReadChild(const REPORTGENERATOR::IRGObject& parent, T& work, QXmlStreamRead
 
 } // namespace Xml
 } // namespace TORVIXML
+
+// GetXml() of every class: the write prologue, then the element.
+#define TORVIXML_XML_WRITE_ENTRY(Class)                                                        \
+    void Class::GetXml(QXmlStreamWriter& writer) const                                         \
+    {                                                                                          \
+        if (Validation::WritePrologue(*this))                                                  \
+            WriteXmlElement(writer);                                                           \
+    }
 
 #endif

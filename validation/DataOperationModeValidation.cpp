@@ -5,11 +5,8 @@
 
 namespace TORVIXML {
 
-void DataOperationMode::Check(bool flag) const
-{
-    Validation::Reapply(*this);
-    CheckMembers(flag);
-}
+TORVIXML_CHECK_ENTRY(DataOperationMode)
+TORVIXML_HAND_DOWN(DataOperationMode, m_guiComponentSettings)
 
 void DataOperationMode::CheckMembers(bool flag) const
 {
@@ -20,20 +17,6 @@ void DataOperationMode::CheckMembers(bool flag) const
             element.CheckMembers(flag);
     }
     Validation::Require(*this, IsNameSet() && !d->m_name.value.isNull(), "Name");
-}
-
-void DataOperationMode::SetValidate(bool validate) const
-{
-    IRGObject::SetValidate(validate);
-    if (d)
-        Validation::HandDownValidate(d->m_guiComponentSettings.list, validate);
-}
-
-void DataOperationMode::SetLogger(std::shared_ptr<REPORTGENERATOR::Logger> logger) const
-{
-    IRGObject::SetLogger(logger);
-    if (d)
-        Validation::HandDownLogger(d->m_guiComponentSettings.list, logger);
 }
 
 } // namespace TORVIXML

@@ -5,11 +5,7 @@
 
 namespace TORVIXML {
 
-void GuiComponentSettings::Check(bool flag) const
-{
-    Validation::Reapply(*this);
-    CheckMembers(flag);
-}
+TORVIXML_CHECK_ENTRY(GuiComponentSettings)
 
 void GuiComponentSettings::CheckMembers(bool) const
 {

@@ -5,11 +5,8 @@
 
 namespace TORVIXML {
 
-void TorviGuiModeSettings::Check(bool flag) const
-{
-    Validation::Reapply(*this);
-    CheckMembers(flag);
-}
+TORVIXML_CHECK_ENTRY(TorviGuiModeSettings)
+TORVIXML_HAND_DOWN(TorviGuiModeSettings, m_dataOperationMode)
 
 void TorviGuiModeSettings::CheckMembers(bool flag) const
 {
@@ -22,20 +19,6 @@ void TorviGuiModeSettings::CheckMembers(bool flag) const
     Validation::Require(*this,
                         IsOperationModeHandlerSet() && IsValidOperationModeHandler(GetOperationModeHandler()),
                         "OperationModeHandler");
-}
-
-void TorviGuiModeSettings::SetValidate(bool validate) const
-{
-    IRGObject::SetValidate(validate);
-    if (d)
-        Validation::HandDownValidate(d->m_dataOperationMode.list, validate);
-}
-
-void TorviGuiModeSettings::SetLogger(std::shared_ptr<REPORTGENERATOR::Logger> logger) const
-{
-    IRGObject::SetLogger(logger);
-    if (d)
-        Validation::HandDownLogger(d->m_dataOperationMode.list, logger);
 }
 
 } // namespace TORVIXML

@@ -100,4 +100,30 @@ inline void Require(const REPORTGENERATOR::IRGObject& object, bool complete, con
 } // namespace Validation
 } // namespace TORVIXML
 
+// Check(bool) of every class: flag and logger re-applied down the tree, then
+// the members checked, list elements first.
+#define TORVIXML_CHECK_ENTRY(Class)                                                            \
+    void Class::Check(bool flag) const                                                         \
+    {                                                                                          \
+        Validation::Reapply(*this);                                                            \
+        CheckMembers(flag);                                                                    \
+    }
+
+// SetValidate() and SetLogger() of a class with a list member FIELD: the
+// base's operation, then the same to every element of the list, once the
+// object has a record.
+#define TORVIXML_HAND_DOWN(Class, FIELD)                                                       \
+    void Class::SetValidate(bool validate) const                                               \
+    {                                                                                          \
+        IRGObject::SetValidate(validate);                                                      \
+        if (d)                                                                                 \
+            Validation::HandDownValidate(d->FIELD.list, validate);                             \
+    }                                                                                          \
+    void Class::SetLogger(std::shared_ptr<REPORTGENERATOR::Logger> logger) const               \
+    {                                                                                          \
+        IRGObject::SetLogger(logger);                                                          \
+        if (d)                                                                                 \
+            Validation::HandDownLogger(d->FIELD.list, logger);                                 \
+    }
+
 #endif
