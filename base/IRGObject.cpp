@@ -1,5 +1,7 @@
 #include "IRGObject.h"
 
+#include "Compression.h"
+
 #include <QBuffer>
 #include <QByteArray>
 #include <QDataStream>
@@ -8,8 +10,6 @@
 #include <QSaveFile>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
-
-#include <zlib.h>
 
 #include <cmath>
 #include <limits>
@@ -42,63 +42,6 @@ quint32 bigEndian32(const char* p)
 {
     const auto* u = reinterpret_cast<const uchar*>(p);
     return (quint32(u[0]) << 24) | (quint32(u[1]) << 16) | (quint32(u[2]) << 8) | quint32(u[3]);
-}
-
-// Inflates Qt's compressed form (a big-endian uncompressed size, then a zlib
-// stream). Unlike qUncompress() it never trusts the announced size for
-// allocation: the output grows with what the stream really produces and may
-// not exceed the announced size.
-bool inflateCompressed(const QByteArray& in, QByteArray& out)
-{
-    if (in.size() < 6)
-        return false;
-    const quint32 expected = bigEndian32(in.constData());
-    if (expected == 0 || expected > quint32(std::numeric_limits<int>::max() - 1))
-        return false;
-
-    z_stream zs{};
-    if (inflateInit(&zs) != Z_OK)
-        return false;
-    zs.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(in.constData() + 4));
-    zs.avail_in = uInt(in.size() - 4);
-
-    qint64 capacity = qMin<qint64>(expected, qMax<qint64>(4096, qint64(in.size()) * 4));
-    out.resize(int(capacity));
-    qint64 produced = 0;
-    int rc = Z_OK;
-    while (rc == Z_OK) {
-        if (produced == capacity) {
-            if (capacity == qint64(expected)) {
-                // More output than announced: only acceptable if the stream
-                // ends right here.
-                Bytef probe;
-                zs.next_out = &probe;
-                zs.avail_out = 1;
-                rc = inflate(&zs, Z_NO_FLUSH);
-                if (rc == Z_STREAM_END && zs.avail_out == 1)
-                    break;
-                rc = Z_DATA_ERROR;
-                break;
-            }
-            capacity = qMin<qint64>(expected, capacity * 2);
-            out.resize(int(capacity));
-        }
-        zs.next_out = reinterpret_cast<Bytef*>(out.data() + produced);
-        zs.avail_out = uInt(capacity - produced);
-        rc = inflate(&zs, Z_NO_FLUSH);
-        produced = capacity - zs.avail_out;
-        if (rc == Z_BUF_ERROR && zs.avail_out != 0)
-            rc = Z_DATA_ERROR; // input exhausted before the end of the stream
-        else if (rc == Z_BUF_ERROR)
-            rc = Z_OK;
-    }
-    inflateEnd(&zs);
-    if (rc != Z_STREAM_END || produced != qint64(expected)) {
-        out.clear();
-        return false;
-    }
-    out.resize(int(produced));
-    return true;
 }
 
 // Reads a byte array of the given size from the stream, growing the result
@@ -182,7 +125,7 @@ bool IRGObject::SetBinaryRepresentation(QByteArray& data)
         && qint64(qint32(bigEndian32(data.constData() + 4))) == qint64(data.size()) - 8)
         return ReadPlainBinary(data);
     QByteArray plain;
-    if (!inflateCompressed(data, plain))
+    if (!InflateCompressed(data, plain))
         return false;
     if (plain.size() < 8 || qint32(bigEndian32(plain.constData())) != qint32(m_classId))
         return false;

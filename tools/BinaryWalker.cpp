@@ -1,12 +1,13 @@
 #include "BinaryWalker.h"
 
+#include "Compression.h"
+
 #include "ToolSupport.h"
 
 #include <TorviXML/TorviXML.h>
 
 #include <QStringList>
 
-#include <zlib.h>
 
 #include <limits>
 
@@ -390,72 +391,6 @@ void Walker::walkUnknown(qint64 pos, qint64 end, int depth)
     line(pos, depth, text);
 }
 
-// Inflates Qt's compressed form (big-endian size, zlib stream) without
-// trusting the announced size for allocation: the output grows with what
-// zlib really produces and must come to exactly the announced size.
-bool inflateCompressed(const QByteArray& data, quint32 announced, QByteArray& out, QString& problem)
-{
-    z_stream zs{};
-    if (inflateInit(&zs) != Z_OK) {
-        problem = QStringLiteral("zlib could not be initialised");
-        return false;
-    }
-    zs.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.constData() + 4));
-    zs.avail_in = uInt(data.size() - 4);
-
-    qint64 capacity = qMin<qint64>(announced, qMax<qint64>(4096, qint64(data.size()) * 4));
-    out.resize(int(capacity));
-    qint64 produced = 0;
-    int rc = Z_OK;
-    while (rc == Z_OK) {
-        if (produced == capacity) {
-            if (capacity == qint64(announced)) {
-                // All announced bytes are there: the stream must end now.
-                Bytef probe;
-                zs.next_out = &probe;
-                zs.avail_out = 1;
-                rc = inflate(&zs, Z_NO_FLUSH);
-                if (rc == Z_STREAM_END && zs.avail_out == 1)
-                    break;
-                if (zs.avail_out == 0)
-                    problem = QStringLiteral("it inflates to more than the announced %1").arg(bytesText(announced));
-                else if (rc == Z_BUF_ERROR || rc == Z_OK)
-                    problem = QStringLiteral("the zlib stream does not end after the announced %1")
-                                  .arg(bytesText(announced));
-                rc = Z_DATA_ERROR;
-                break;
-            }
-            capacity = qMin<qint64>(announced, capacity * 2);
-            out.resize(int(capacity));
-        }
-        zs.next_out = reinterpret_cast<Bytef*>(out.data() + produced);
-        zs.avail_out = uInt(capacity - produced);
-        rc = inflate(&zs, Z_NO_FLUSH);
-        produced = capacity - zs.avail_out;
-        if (rc == Z_BUF_ERROR && zs.avail_out != 0) {
-            problem = QStringLiteral("the zlib stream ends early, after %1 of the announced %2")
-                          .arg(bytesText(produced)).arg(announced);
-            rc = Z_DATA_ERROR;
-        } else if (rc == Z_BUF_ERROR) {
-            rc = Z_OK;
-        }
-    }
-    if (rc != Z_STREAM_END && problem.isEmpty()) {
-        problem = zs.msg ? QStringLiteral("zlib: %1").arg(QString::fromLatin1(zs.msg))
-                         : QStringLiteral("zlib error %1").arg(rc);
-    }
-    inflateEnd(&zs);
-    if (rc != Z_STREAM_END)
-        return false;
-    if (produced != qint64(announced)) {
-        problem = QStringLiteral("it inflates to %1 instead of the announced %2")
-                      .arg(bytesText(produced)).arg(announced);
-        return false;
-    }
-    out.resize(int(produced));
-    return true;
-}
-
 } // namespace
 
 UnpackedBinary unpackBinary(const QByteArray& fileData)
@@ -492,7 +427,7 @@ UnpackedBinary unpackBinary(const QByteArray& fileData)
         return result;
     }
     QString problem;
-    if (!inflateCompressed(fileData, result.announcedSize, result.bytes, problem)) {
+    if (!REPORTGENERATOR::InflateCompressed(fileData, result.bytes, &problem)) {
         result.bytes.clear();
         result.problem = notPlain + problem;
         return result;

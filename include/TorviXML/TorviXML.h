@@ -5,6 +5,7 @@
 // ObjectTypes, the exceptions) and the three settings classes.
 
 #include "BinaryParsingException.h"
+#include "Compression.h"
 #include "IRGObject.h"
 #include "IncompleteDefinitionException.h"
 #include "Logger.h"
