@@ -1,0 +1,714 @@
+// Hostile input through the whole-document operations: every case must end
+// in a clear failure (false, or an exception of the library) or in exactly
+// the object the format rules give, quickly and without allocating out of
+// proportion to the input. Where a failed read promises to leave the object
+// alone (a foreign document), the object is compared with its state before.
+
+#include <TorviXML/TorviXML.h>
+
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QDataStream>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <sys/resource.h>
+
+#include <csignal>
+#include <functional>
+#include <ostream>
+
+using namespace TORVIXML;
+
+inline void PrintTo(const QString& text, std::ostream* os)
+{
+    *os << '"' << text.left(200).toStdString() << (text.size() > 200 ? "...\"" : "\"");
+}
+
+namespace {
+
+constexpr qint32 kRootId = 232099450;
+constexpr qint32 kComponentId = -1436546027;
+constexpr qint32 kNameId = 0x58D44D66;
+constexpr qint32 kUsageId = 0x0EDC6084;
+constexpr qint32 kLocationId = 0x17299F64;
+constexpr qint32 kComponentListId = qint32(0xC0D4B710);
+constexpr qint32 kModeListId = qint32(0x95948526);
+constexpr qint32 kHandlerId = 0x6EEDD5E0;
+
+const QString kHandlerInvalid =
+    QStringLiteral("enum is not valid (classname=TorviGuiModeSettings,membername=m_operationModeHandler)");
+
+QString LengthError(const char* objectName)
+{
+    return QLatin1String(objectName)
+        + QStringLiteral("::SetBinary(...): Length error occurred during processing of binary representation");
+}
+
+// Big-endian building blocks.
+QByteArray Int(qint32 value)
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream << value;
+    return bytes;
+}
+QByteArray Text(const QByteArray& utf8) { return Int(utf8.size()) + utf8; }
+QByteArray Record(qint32 memberId, const QByteArray& payload) { return Int(memberId) + Int(payload.size()) + payload; }
+QByteArray Frame(const QByteArray& records) { return Int(records.size()) + records; }
+QByteArray Document(const QByteArray& records) { return Int(kRootId) + Frame(records); }
+
+const QByteArray kHandlerQls = Record(kHandlerId, Text("QLSManagementComponent"));
+
+QByteArray ComponentFrame(const QByteArray& name)
+{
+    return Frame(Record(kNameId, Text(name)) + Record(kUsageId, Text("AVAILABLE"))
+                 + Record(kLocationId, Text("TopDockWidgetArea")));
+}
+QByteArray ModeFrame(const QByteArray& name) { return Frame(Record(kNameId, Text(name))); }
+
+// The outcome of one read: the result, or the message of the library's
+// exception that ended it.
+struct Outcome
+{
+    bool result = false;
+    QString exception;
+};
+
+bool operator==(const Outcome& a, const Outcome& b)
+{
+    return a.result == b.result && a.exception == b.exception;
+}
+
+void PrintTo(const Outcome& outcome, std::ostream* os)
+{
+    *os << (outcome.exception.isNull() ? (outcome.result ? "true" : "false")
+                                       : "exception \"" + outcome.exception.toStdString() + "\"");
+}
+
+Outcome Throws(const QString& message)
+{
+    return Outcome{false, message};
+}
+const Outcome kTrue{true, QString()};
+const Outcome kFalse{false, QString()};
+
+Outcome Attempt(const std::function<bool()>& read)
+{
+    Outcome outcome;
+    try {
+        outcome.result = read();
+    } catch (const ReportException& e) {
+        outcome.exception = e.GetMessageText();
+    }
+    return outcome;
+}
+
+Outcome ReadArray(TorviGuiModeSettings& root, const QByteArray& bytes)
+{
+    QByteArray data(bytes);
+    return Attempt([&] { return root.SetBinaryRepresentation(data); });
+}
+
+Outcome ReadStream(TorviGuiModeSettings& root, const QByteArray& bytes, QDataStream::Status* status = nullptr)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QDataStream stream(&buffer);
+    const Outcome outcome = Attempt([&] { return root.SetBinaryRepresentation(stream); });
+    if (status)
+        *status = stream.status();
+    return outcome;
+}
+
+Outcome ReadXml(TorviGuiModeSettings& root, const QString& xml)
+{
+    return Attempt([&] { return root.SetXmlString(xml, false); });
+}
+
+// A root that already holds something, to see whether a failed read
+// touched it.
+TorviGuiModeSettings Preloaded()
+{
+    TorviGuiModeSettings root;
+    DataOperationMode mode;
+    mode.SetName(QStringLiteral("Vorher"));
+    root.AppendDataOperationMode(mode);
+    root.SetOperationModeHandler(TorviGuiModeSettings::VbkManagementComponent);
+    return root;
+}
+
+QByteArray Bytes(const TorviGuiModeSettings& root)
+{
+    TorviGuiModeSettings copy(root);
+    copy.SetValidate(false);
+    return copy.GetBinaryRepresentationAsQByteArray();
+}
+
+} // namespace
+
+TEST(HostileBinary, ElementCount7FFFFFFFEndsInALengthErrorWithABoundedReservation)
+{
+    // One real mode, then the stream ends although 0x7FFFFFFF were
+    // announced and the record length claims room for all of them.
+    const QByteArray records = Int(kModeListId) + Int(0x7FFFFFFF) + Int(0x7FFFFFFF) + ModeFrame("M");
+    const QByteArray plain = Document(records);
+    ASSERT_EQ(plain.size(), 37);
+    for (const bool validate : {false, true}) {
+        SCOPED_TRACE(validate);
+        for (const QByteArray& input : {plain, qCompress(plain)}) {
+            TorviGuiModeSettings root;
+            root.SetValidate(validate);
+            EXPECT_EQ(ReadArray(root, input), Throws(LengthError("TorviGuiModeSettings")));
+            ASSERT_EQ(root.GetDataOperationMode().size(), 1);
+            EXPECT_EQ(root.GetDataOperationMode().at(0).GetName(), QStringLiteral("M"));
+            // Room was made for what the 17 bytes behind the count can
+            // carry at four bytes per element frame, not for 2^31 elements.
+            EXPECT_LE(root.GetDataOperationMode().capacity(), 4);
+            EXPECT_FALSE(root.IsOperationModeHandlerSet());
+        }
+        TorviGuiModeSettings fromStream;
+        fromStream.SetValidate(validate);
+        EXPECT_EQ(ReadStream(fromStream, plain), Throws(LengthError("TorviGuiModeSettings")));
+        EXPECT_EQ(fromStream.GetDataOperationMode().size(), 1);
+    }
+
+    // The same count one level down: the mode's own length error leaves
+    // the mode unappended.
+    const QByteArray nested = Document(Record(
+        kModeListId, Int(1) + Frame(Record(kNameId, Text("M")) + Int(kComponentListId) + Int(0x7FFFFFFF)
+                                    + Int(0x7FFFFFFF) + ComponentFrame("C"))));
+    TorviGuiModeSettings root;
+    EXPECT_EQ(ReadArray(root, nested), Throws(LengthError("DataOperationMode")));
+    EXPECT_TRUE(root.GetDataOperationMode().isEmpty());
+}
+
+TEST(HostileBinary, ByteCountsNear4GiBCostOnlyWhatArrives)
+{
+    // A mode name announcing 0xFFFFFFFE bytes of which three arrive; the
+    // lengths of record, frame and list agree, so only the stream's short
+    // read tells: the name becomes empty and the document is refused.
+    const QByteArray nameRecord = Int(kNameId) + Int(4 + 3) + Int(qint32(0xFFFFFFFE)) + "abc";
+    const QByteArray shortName = Document(Record(kModeListId, Int(1) + Frame(nameRecord)));
+    for (const bool validate : {false, true}) {
+        SCOPED_TRACE(validate);
+        TorviGuiModeSettings root;
+        root.SetValidate(validate);
+        EXPECT_EQ(ReadArray(root, shortName), kFalse);
+        ASSERT_EQ(root.GetDataOperationMode().size(), 1);
+        const DataOperationMode& mode = root.GetDataOperationMode().at(0);
+        EXPECT_TRUE(mode.IsNameSet());
+        EXPECT_EQ(mode.GetName(), QStringLiteral(""));
+        EXPECT_FALSE(mode.GetName().isNull());
+    }
+
+    // The same for an enumeration name: outside validation mode the
+    // handler holds its invalid value, in validation mode it is refused.
+    const QByteArray shortHandler =
+        Document(Int(kHandlerId) + Int(4 + 5) + Int(qint32(0xFFFFFFFE)) + QByteArray("TX470"));
+    TorviGuiModeSettings lax;
+    EXPECT_EQ(ReadArray(lax, shortHandler), kFalse);
+    EXPECT_TRUE(lax.IsOperationModeHandlerSet());
+    EXPECT_EQ(int(lax.GetOperationModeHandler()), -1);
+    TorviGuiModeSettings strict;
+    strict.SetValidate(true);
+    EXPECT_EQ(ReadArray(strict, shortHandler), Throws(kHandlerInvalid));
+    EXPECT_FALSE(strict.IsOperationModeHandlerSet());
+
+    // Counts beyond what any byte array can hold, as the last bytes of the
+    // document: the stream ends inside the payload, so the document is
+    // truncated, whether the bytes come from a buffer or from a file.
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    for (const quint32 count : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu}) {
+        SCOPED_TRACE(count);
+        const QByteArray handlerLast = Document(Int(kHandlerId) + Int(4) + Int(qint32(count)));
+        const QByteArray nameLast =
+            Document(Record(kModeListId, Int(1) + Frame(Int(kNameId) + Int(4) + Int(qint32(count)))));
+        for (const QByteArray& input : {handlerLast, nameLast}) {
+            TorviGuiModeSettings fromArray;
+            EXPECT_EQ(ReadArray(fromArray, input), kFalse);
+            TorviGuiModeSettings fromBuffer;
+            QDataStream::Status status = QDataStream::Ok;
+            EXPECT_EQ(ReadStream(fromBuffer, input, &status), kFalse);
+            EXPECT_EQ(status, QDataStream::ReadPastEnd);
+            EXPECT_EQ(Bytes(fromBuffer), Bytes(fromArray));
+
+            QFile file(dir.filePath(QStringLiteral("document.bin")));
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            file.write(input);
+            file.close();
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            QDataStream fileStream(&file);
+            TorviGuiModeSettings fromFile;
+            EXPECT_FALSE(fromFile.SetBinaryRepresentation(fileStream));
+            EXPECT_EQ(fileStream.status(), QDataStream::ReadPastEnd);
+            EXPECT_EQ(Bytes(fromFile), Bytes(fromArray));
+            file.close();
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            TorviGuiModeSettings loaded = Preloaded();
+            EXPECT_FALSE(loaded.LoadBinary(&file));
+            EXPECT_EQ(Bytes(loaded), Bytes(fromArray));
+        }
+    }
+
+    // A compressed document that announces an uncompressed size near 4 GiB
+    // or 2 GiB, or a stream that announces a compressed document of nearly
+    // 2 GiB: refused, the object as it was.
+    const QByteArray plain = Document(kHandlerQls);
+    QByteArray huge = qCompress(plain);
+    huge.replace(0, 4, Int(qint32(0xFFFFFFFE)));
+    QByteArray big = qCompress(plain);
+    big.replace(0, 4, Int(0x7FFFFFF0));
+    for (const QByteArray& input : {huge, big}) {
+        TorviGuiModeSettings root = Preloaded();
+        const QByteArray before = Bytes(root);
+        EXPECT_EQ(ReadArray(root, input), kFalse);
+        EXPECT_EQ(Bytes(root), before);
+    }
+    TorviGuiModeSettings root = Preloaded();
+    const QByteArray before = Bytes(root);
+    QDataStream::Status status = QDataStream::Ok;
+    EXPECT_EQ(ReadStream(root, Int(0x7FFFFFF0) + qCompress(plain), &status), kFalse);
+    EXPECT_EQ(status, QDataStream::ReadPastEnd);
+    EXPECT_EQ(Bytes(root), before);
+}
+
+TEST(HostileBinary, NegativeAndLyingLengths)
+{
+    // A negative object length: in an array it does not match the array's
+    // size, so the bytes are no plain document, and they do not inflate;
+    // on a stream and inside a compressed document it is the length error.
+    // Nothing is read either way.
+    const QByteArray negative = Int(kRootId) + Int(-1) + kHandlerQls;
+    {
+        TorviGuiModeSettings root = Preloaded();
+        const QByteArray before = Bytes(root);
+        EXPECT_EQ(ReadArray(root, negative), kFalse);
+        EXPECT_EQ(Bytes(root), before);
+        EXPECT_EQ(ReadStream(root, negative), Throws(LengthError("TorviGuiModeSettings")));
+        EXPECT_EQ(Bytes(root), before);
+        EXPECT_EQ(ReadArray(root, qCompress(negative)), Throws(LengthError("TorviGuiModeSettings")));
+        EXPECT_EQ(Bytes(root), before);
+    }
+
+    // Negative record lengths of unknown members skip nothing and give
+    // their length back to the object: the records no longer add up.
+    {
+        const QByteArray records = Int(0x1234) + Int(-8) + Int(0x1234) + Int(-100) + kHandlerQls;
+        TorviGuiModeSettings root;
+        EXPECT_EQ(ReadArray(root, Document(records)), Throws(LengthError("TorviGuiModeSettings")));
+        EXPECT_TRUE(root.IsOperationModeHandlerSet());
+        EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
+    }
+
+    // An unknown record claiming 0x7FFFFFFF bytes, and an object length of
+    // 0x7FFFFFFF on a stream: both run into the end of the input.
+    {
+        TorviGuiModeSettings root;
+        EXPECT_EQ(ReadArray(root, Document(Int(0x1234) + Int(0x7FFFFFFF) + kHandlerQls)),
+                  Throws(LengthError("TorviGuiModeSettings")));
+        EXPECT_FALSE(root.IsOperationModeHandlerSet());
+        TorviGuiModeSettings fromStream;
+        EXPECT_EQ(ReadStream(fromStream, Int(kRootId) + Int(0x7FFFFFFF) + kHandlerQls),
+                  Throws(LengthError("TorviGuiModeSettings")));
+        EXPECT_EQ(fromStream.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
+    }
+
+    // An element frame with a negative length is the element's length error
+    // and is not appended; one whose length overstates its records swallows
+    // the records behind it.
+    {
+        TorviGuiModeSettings root;
+        EXPECT_EQ(ReadArray(root, Document(Record(kModeListId, Int(1) + Int(-5) + ModeFrame("M").mid(4))
+                                           + kHandlerQls)),
+                  Throws(LengthError("DataOperationMode")));
+        EXPECT_TRUE(root.GetDataOperationMode().isEmpty());
+        EXPECT_FALSE(root.IsOperationModeHandlerSet());
+
+        TorviGuiModeSettings swallowed;
+        const QByteArray mode = ModeFrame("M");
+        const QByteArray lying = Int(mode.size() - 4 + kHandlerQls.size()) + mode.mid(4);
+        EXPECT_EQ(ReadArray(swallowed, Document(Record(kModeListId, Int(1) + lying) + kHandlerQls)),
+                  Throws(LengthError("TorviGuiModeSettings")));
+        ASSERT_EQ(swallowed.GetDataOperationMode().size(), 1);
+        // The handler record was read by the mode, which does not know it.
+        EXPECT_FALSE(swallowed.IsOperationModeHandlerSet());
+    }
+}
+
+TEST(HostileBinary, RecordsInTheWrongClass)
+{
+    // A document of another class is refused in every form, untouched.
+    const QByteArray component = Int(kComponentId) + ComponentFrame("C");
+    for (const QByteArray& input : {component, qCompress(component)}) {
+        TorviGuiModeSettings root = Preloaded();
+        const QByteArray before = Bytes(root);
+        EXPECT_EQ(ReadArray(root, input), kFalse);
+        EXPECT_EQ(Bytes(root), before);
+        EXPECT_EQ(ReadStream(root, input), kFalse);
+        EXPECT_EQ(Bytes(root), before);
+    }
+
+    // Component frames where mode frames belong: their usage and location
+    // records are unknown to a mode and skipped, so each mode comes without
+    // a name. Validation mode refuses the first; otherwise both are
+    // appended, nameless, and the handler behind them is read.
+    const QByteArray componentsAsModes = Document(
+        Record(kModeListId, Int(2)
+                                + Frame(Record(kUsageId, Text("AVAILABLE")) + Record(kLocationId, Text("TopDockWidgetArea")))
+                                + Frame(Record(kLocationId, Text("NoDockWidgetArea"))))
+        + kHandlerQls);
+    TorviGuiModeSettings lax;
+    EXPECT_EQ(ReadArray(lax, componentsAsModes), kTrue);
+    ASSERT_EQ(lax.GetDataOperationMode().size(), 2);
+    for (const DataOperationMode& mode : lax.GetDataOperationMode()) {
+        EXPECT_FALSE(mode.IsNameSet());
+        EXPECT_TRUE(mode.GetName().isNull());
+        EXPECT_TRUE(mode.GetGuiComponentSettings().isEmpty());
+    }
+    EXPECT_EQ(lax.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
+    TorviGuiModeSettings strict;
+    strict.SetValidate(true);
+    EXPECT_EQ(ReadArray(strict, componentsAsModes),
+              Throws(QStringLiteral("TorviGuiModeSettings: Tried to append not completely defined or invalid item "
+                                    "DataOperationMode.")));
+    EXPECT_TRUE(strict.GetDataOperationMode().isEmpty());
+
+    // Members of the lower classes directly in the root, and the root's
+    // mode list inside a component: skipped without effect.
+    const QByteArray misplaced = Document(
+        Record(kComponentListId, Int(1) + ComponentFrame("X")) + Record(kNameId, Text("Wurzel"))
+        + Record(kModeListId,
+                 Int(1)
+                     + Frame(Record(kNameId, Text("M"))
+                             + Record(kComponentListId,
+                                      Int(1)
+                                          + Frame(Record(kNameId, Text("C"))
+                                                  + Record(kModeListId, Int(1) + ModeFrame("innen"))
+                                                  + Record(kUsageId, Text("AVAILABLE"))
+                                                  + Record(kLocationId, Text("NoDockWidgetArea"))))))
+        + kHandlerQls);
+    TorviGuiModeSettings root;
+    root.SetValidate(true);
+    EXPECT_EQ(ReadArray(root, misplaced), kTrue);
+    TorviGuiModeSettings expected;
+    DataOperationMode mode;
+    mode.SetName(QStringLiteral("M"));
+    GuiComponentSettings inner;
+    inner.SetName(QStringLiteral("C"));
+    inner.SetGuiComponentUsage(GuiComponentSettings::AVAILABLE);
+    inner.SetDockWidgetLocation(GuiComponentSettings::NoDockWidgetArea);
+    mode.AppendGuiComponentSettings(inner);
+    expected.AppendDataOperationMode(mode);
+    expected.SetOperationModeHandler(TorviGuiModeSettings::QLSManagementComponent);
+    EXPECT_TRUE(root == expected);
+    EXPECT_EQ(Bytes(root), Bytes(expected));
+}
+
+namespace {
+
+QString Bomb(int levels)
+{
+    // Each level expands to ten of the level below: 10^levels times "QLS".
+    QString dtd = QStringLiteral("<!ENTITY l0 \"QLS\">");
+    for (int i = 1; i <= levels; ++i) {
+        dtd += QStringLiteral("<!ENTITY l%1 \"").arg(i);
+        for (int k = 0; k < 10; ++k)
+            dtd += QStringLiteral("&l%1;").arg(i - 1);
+        dtd += QStringLiteral("\">");
+    }
+    return QStringLiteral("<?xml version=\"1.0\"?><!DOCTYPE TorviGuiModeSettings [") + dtd
+        + QStringLiteral("]><TorviGuiModeSettings><DataOperationMode Name=\"vor\"/>"
+                         "<OperationModeHandler>&l%1;</OperationModeHandler></TorviGuiModeSettings>")
+              .arg(levels);
+}
+
+} // namespace
+
+TEST(HostileXml, EntityBombStopsAtTheReadersExpansionLimit)
+{
+    // 10^9 copies of "QLS" if it were expanded. The stream reader refuses
+    // an entity that expands to more than 4096 characters, which ends the
+    // document as malformed: the element's text never grows beyond that.
+    const QString bomb = Bomb(9);
+    TorviGuiModeSettings lax;
+    EXPECT_EQ(ReadXml(lax, bomb), kFalse);
+    ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
+    EXPECT_EQ(lax.GetDataOperationMode().at(0).GetName(), QStringLiteral("vor"));
+    // The text read up to the error is no name of the table.
+    EXPECT_EQ(int(lax.GetOperationModeHandler()), -1);
+
+    TorviGuiModeSettings strict;
+    strict.SetValidate(true);
+    EXPECT_EQ(ReadXml(strict, bomb), Throws(kHandlerInvalid));
+    EXPECT_FALSE(strict.IsOperationModeHandlerSet());
+
+    // Below the limit (1000 x "QLS" = 3000 characters) entities expand as
+    // XML says, which is no name either.
+    TorviGuiModeSettings small;
+    EXPECT_EQ(ReadXml(small, Bomb(3)), kTrue);
+    EXPECT_EQ(int(small.GetOperationModeHandler()), -1);
+
+    // In a file, through LoadXml, the same.
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QFile file(dir.filePath(QStringLiteral("bomb.xml")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bomb.toUtf8());
+    file.close();
+    TorviGuiModeSettings loaded;
+    EXPECT_FALSE(loaded.LoadXml(file.fileName()));
+    EXPECT_EQ(loaded.GetDataOperationMode().size(), 1);
+}
+
+TEST(HostileXml, ExternalEntitiesAreNeverFetched)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString secretPath = dir.filePath(QStringLiteral("secret.txt"));
+    QFile secret(secretPath);
+    ASSERT_TRUE(secret.open(QIODevice::WriteOnly));
+    secret.write("PMR830ManagementComponent");
+    secret.close();
+    const QString dtdPath = dir.filePath(QStringLiteral("outside.dtd"));
+    QFile dtd(dtdPath);
+    ASSERT_TRUE(dtd.open(QIODevice::WriteOnly));
+    dtd.write("<!ENTITY h \"PMR830ManagementComponent\">");
+    dtd.close();
+    const QString secretUrl = QUrl::fromLocalFile(secretPath).toString();
+    const QString dtdUrl = QUrl::fromLocalFile(dtdPath).toString();
+
+    // An external entity in content is passed over: the elements read as
+    // empty, the file's text appears nowhere.
+    const QString inContent = QStringLiteral("<!DOCTYPE TorviGuiModeSettings [<!ENTITY x SYSTEM \"%1\">]>"
+                                             "<TorviGuiModeSettings><DataOperationMode><Name>&x;</Name>"
+                                             "</DataOperationMode><OperationModeHandler>&x;</OperationModeHandler>"
+                                             "</TorviGuiModeSettings>")
+                                  .arg(secretUrl);
+    TorviGuiModeSettings lax;
+    EXPECT_EQ(ReadXml(lax, inContent), kTrue);
+    ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
+    EXPECT_EQ(lax.GetDataOperationMode().at(0).GetName(), QStringLiteral(""));
+    EXPECT_TRUE(lax.IsOperationModeHandlerSet());
+    EXPECT_EQ(int(lax.GetOperationModeHandler()), -1);
+    EXPECT_FALSE(lax.GetXmlString().contains(QStringLiteral("PMR830")));
+    TorviGuiModeSettings strict;
+    strict.SetValidate(true);
+    EXPECT_EQ(ReadXml(strict, inContent), Throws(kHandlerInvalid));
+
+    // In an attribute value it is an error of the document.
+    const QString inAttribute = QStringLiteral("<!DOCTYPE TorviGuiModeSettings [<!ENTITY x SYSTEM \"%1\">]>"
+                                               "<TorviGuiModeSettings><DataOperationMode Name=\"&x;\"/>"
+                                               "</TorviGuiModeSettings>")
+                                    .arg(secretUrl);
+    TorviGuiModeSettings attribute;
+    EXPECT_EQ(ReadXml(attribute, inAttribute), kFalse);
+    EXPECT_TRUE(attribute.GetDataOperationMode().isEmpty());
+
+    // An external DTD is not loaded either, so its entity stays undeclared.
+    const QString outsideDtd = QStringLiteral("<!DOCTYPE TorviGuiModeSettings SYSTEM \"%1\">"
+                                              "<TorviGuiModeSettings><OperationModeHandler>&h;"
+                                              "</OperationModeHandler></TorviGuiModeSettings>")
+                                   .arg(dtdUrl);
+    TorviGuiModeSettings undeclared;
+    const Outcome outcome = ReadXml(undeclared, outsideDtd);
+    EXPECT_NE(undeclared.GetOperationModeHandler(), TorviGuiModeSettings::PMR830ManagementComponent);
+    EXPECT_EQ(outcome, kTrue);
+    EXPECT_EQ(int(undeclared.GetOperationModeHandler()), -1);
+}
+
+TEST(HostileXml, HundredThousandLevelsOfNesting)
+{
+    constexpr int Levels = 100000;
+    QString open;
+    QString close;
+    for (int i = 0; i < Levels; ++i) {
+        open += QStringLiteral("<e%1>").arg(i);
+        close += QStringLiteral("</e%1>").arg(Levels - 1 - i);
+    }
+
+    // Unknown elements with distinct names are passed over as a whole;
+    // the members behind them are read.
+    const QString skipped = QStringLiteral("<TorviGuiModeSettings><DataOperationMode Name=\"M\">"
+                                           "<GuiComponentSettings Name=\"C\"><GuiComponentUsage>AVAILABLE"
+                                           "</GuiComponentUsage>")
+        + open + close
+        + QStringLiteral("<DockWidgetLocation>NoDockWidgetArea</DockWidgetLocation></GuiComponentSettings>"
+                         "</DataOperationMode><OperationModeHandler>")
+        + open + close
+        + QStringLiteral("VbkManagementComponent</OperationModeHandler></TorviGuiModeSettings>");
+    TorviGuiModeSettings root;
+    root.SetValidate(true);
+    EXPECT_EQ(ReadXml(root, skipped), kTrue);
+    ASSERT_EQ(root.GetDataOperationMode().size(), 1);
+    ASSERT_EQ(root.GetDataOperationMode().at(0).GetGuiComponentSettings().size(), 1);
+    const GuiComponentSettings& component = root.GetDataOperationMode().at(0).GetGuiComponentSettings().at(0);
+    EXPECT_EQ(component.GetDockWidgetLocation(), GuiComponentSettings::NoDockWidgetArea);
+    EXPECT_EQ(component.GetGuiComponentUsage(), GuiComponentSettings::AVAILABLE);
+    // Text inside the nesting is not the element's text.
+    EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::VbkManagementComponent);
+
+    // Never closed: malformed, refused.
+    TorviGuiModeSettings unclosed;
+    EXPECT_EQ(ReadXml(unclosed, QStringLiteral("<TorviGuiModeSettings>") + open), kFalse);
+    EXPECT_FALSE(unclosed.AnyData());
+
+    // 100000 nested DataOperationMode elements. The root reads the first
+    // as a mode; inside a mode the name is unknown, and skipping an unknown
+    // element stops at the next token of the same name, so the mode's walk
+    // hops two levels per child until it meets an end tag and returns. The
+    // root's walk then meets an end tag too and returns: one nameless mode,
+    // the handler behind the nesting is never reached, and the document is
+    // well-formed.
+    QString modes = QStringLiteral("<TorviGuiModeSettings>");
+    for (int i = 0; i < Levels; ++i)
+        modes += QStringLiteral("<DataOperationMode>");
+    for (int i = 0; i < Levels; ++i)
+        modes += QStringLiteral("</DataOperationMode>");
+    modes += QStringLiteral("<OperationModeHandler>QLSManagementComponent</OperationModeHandler>"
+                            "</TorviGuiModeSettings>");
+    TorviGuiModeSettings nested;
+    EXPECT_EQ(ReadXml(nested, modes), kTrue);
+    ASSERT_EQ(nested.GetDataOperationMode().size(), 1);
+    EXPECT_TRUE(nested.GetDataOperationMode().at(0).GetName().isNull());
+    EXPECT_FALSE(nested.IsOperationModeHandlerSet());
+    TorviGuiModeSettings nestedStrict;
+    nestedStrict.SetValidate(true);
+    EXPECT_EQ(ReadXml(nestedStrict, modes),
+              Throws(QStringLiteral("TorviGuiModeSettings: Tried to append not completely defined or invalid item "
+                                    "DataOperationMode.")));
+}
+
+TEST(HostileXml, InvalidUtf8InAFileIsRefused)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const auto write = [&](const QString& name, const QByteArray& bytes) {
+        QFile file(dir.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return file.fileName();
+    };
+    const QByteArray good = "<TorviGuiModeSettings><DataOperationMode Name=\"M\xC3\xA4rz\"/>"
+                            "<OperationModeHandler>QLSManagementComponent</OperationModeHandler>"
+                            "</TorviGuiModeSettings>";
+    TorviGuiModeSettings root = Preloaded();
+    ASSERT_TRUE(root.LoadXml(write(QStringLiteral("good.xml"), good)));
+    EXPECT_EQ(root.GetDataOperationMode().at(0).GetName(), QStringLiteral("M\u00E4rz"));
+
+    // Bytes that are no UTF-8 (a lone continuation byte, 0xFF, a truncated
+    // sequence, an overlong form of '/'), each in place of the umlaut.
+    const QList<QByteArray> broken = {"\xA4", "\xFF", "\xC3", "\xC0\xAF"};
+    for (const QByteArray& bad : broken) {
+        SCOPED_TRACE(bad.toHex().toStdString());
+        QByteArray bytes = good;
+        bytes.replace("\xC3\xA4", bad);
+        // LoadXml starts with Reset(): a refused file leaves an empty object.
+        TorviGuiModeSettings loaded = Preloaded();
+        EXPECT_FALSE(loaded.LoadXml(write(QStringLiteral("bad.xml"), bytes)));
+        EXPECT_FALSE(loaded.AnyData());
+        EXPECT_TRUE(loaded.GetDataOperationMode().isEmpty());
+    }
+}
+
+TEST(HostileXml, TenMegabyteAttribute)
+{
+    const QString name(10 * 1000 * 1000, QLatin1Char('x'));
+    const QString document = QStringLiteral("<TorviGuiModeSettings><DataOperationMode Name=\"") + name
+        + QStringLiteral("\"/><OperationModeHandler>QLSManagementComponent</OperationModeHandler>"
+                         "</TorviGuiModeSettings>");
+    // No limit on a name's length: it is read and written back whole.
+    TorviGuiModeSettings root;
+    root.SetValidate(true);
+    EXPECT_EQ(ReadXml(root, document), kTrue);
+    ASSERT_EQ(root.GetDataOperationMode().size(), 1);
+    EXPECT_EQ(root.GetDataOperationMode().at(0).GetName().size(), name.size());
+    EXPECT_TRUE(root.GetDataOperationMode().at(0).GetName() == name);
+    const QString written = root.GetXmlString();
+    const QString expected = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>") + document + QLatin1Char('\n');
+    EXPECT_EQ(written.size(), expected.size());
+    EXPECT_TRUE(written == expected);
+
+    // Never closed: refused, nothing appended, the handler behind it unread.
+    TorviGuiModeSettings unclosed = Preloaded();
+    EXPECT_EQ(ReadXml(unclosed, document.left(document.indexOf(QLatin1String("\"/>")))), kFalse);
+    EXPECT_EQ(unclosed.GetDataOperationMode().size(), 1);
+    EXPECT_EQ(unclosed.GetOperationModeHandler(), TorviGuiModeSettings::VbkManagementComponent);
+}
+
+namespace {
+
+// Limits the size of files this process writes while it lives, so that a
+// write beyond the limit fails (EFBIG) instead of raising SIGXFSZ.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        m_ok = getrlimit(RLIMIT_FSIZE, &m_saved) == 0;
+        m_handler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limited = m_saved;
+        limited.rlim_cur = bytes;
+        m_ok = m_ok && setrlimit(RLIMIT_FSIZE, &limited) == 0;
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_saved);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    bool ok() const { return m_ok; }
+
+private:
+    rlimit m_saved{};
+    void (*m_handler)(int) = SIG_DFL;
+    bool m_ok = false;
+};
+
+} // namespace
+
+TEST(AtomicSave, WriteThatFailsHalfwayLeavesThePreviousFile)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString path = dir.filePath(QStringLiteral("settings.xml"));
+    const TorviGuiModeSettings small = Preloaded();
+    ASSERT_TRUE(small.SaveXml(path));
+    QFile saved(path);
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    const QByteArray before = saved.readAll();
+    saved.close();
+    ASSERT_EQ(before, small.GetXmlString().toUtf8());
+
+    // A document of about 100 KB, written while no file may grow beyond
+    // 4 KB: the write fails part way, in the temporary file.
+    TorviGuiModeSettings big = Preloaded();
+    DataOperationMode mode;
+    mode.SetName(QString(100 * 1000, QLatin1Char('n')));
+    big.AppendDataOperationMode(mode);
+    bool result = true;
+    {
+        FileSizeLimit limit(4096);
+        ASSERT_TRUE(limit.ok());
+        result = big.SaveXml(path);
+    }
+    EXPECT_FALSE(result);
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll(), before);
+    saved.close();
+    // No partial or temporary file is left beside it.
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("settings.xml")});
+
+    // Without the limit the same save replaces the file.
+    EXPECT_TRUE(big.SaveXml(path));
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll(), big.GetXmlString().toUtf8());
+}
