@@ -46,7 +46,7 @@ void DataOperationMode::ProcessXmlStartElement(QXmlStreamReader& reader)
     if (name == work.GetObjectName())
         Xml::ReadChild(*this, work, reader, [this](GuiComponentSettings& read) { AppendRead(std::move(read)); });
     else if (name == QLatin1String("Name"))
-        SetName(Xml::NameText(GetTextValue(reader)));
+        Xml::ApplyText(reader, GetTextValue(reader), [this](QString text) { SetName(Xml::NameText(std::move(text))); });
     else
         Xml::SkipUnknown(reader);
 }

@@ -42,11 +42,13 @@ void GuiComponentSettings::ProcessXmlStartElement(QXmlStreamReader& reader)
     const auto name = reader.name();
     InitData();
     if (name == QLatin1String("GuiComponentUsage"))
-        SetGuiComponentUsage(NameToGuiComponentUsage(GetTextValue(reader)));
+        Xml::ApplyText(reader, GetTextValue(reader),
+                       [this](const QString& text) { SetGuiComponentUsage(NameToGuiComponentUsage(text)); });
     else if (name == QLatin1String("DockWidgetLocation"))
-        SetDockWidgetLocation(NameToDockWidgetLocation(GetTextValue(reader)));
+        Xml::ApplyText(reader, GetTextValue(reader),
+                       [this](const QString& text) { SetDockWidgetLocation(NameToDockWidgetLocation(text)); });
     else if (name == QLatin1String("Name"))
-        SetName(Xml::NameText(GetTextValue(reader)));
+        Xml::ApplyText(reader, GetTextValue(reader), [this](QString text) { SetName(Xml::NameText(std::move(text))); });
     else
         Xml::SkipUnknown(reader);
 }

@@ -45,7 +45,8 @@ void TorviGuiModeSettings::ProcessXmlStartElement(QXmlStreamReader& reader)
     if (name == work.GetObjectName())
         Xml::ReadChild(*this, work, reader, [this](DataOperationMode& read) { AppendRead(std::move(read)); });
     else if (name == QLatin1String("OperationModeHandler"))
-        SetOperationModeHandler(NameToOperationModeHandler(GetTextValue(reader)));
+        Xml::ApplyText(reader, GetTextValue(reader),
+                       [this](const QString& text) { SetOperationModeHandler(NameToOperationModeHandler(text)); });
     else
         Xml::SkipUnknown(reader);
 }

@@ -24,6 +24,17 @@ void SkipUnknown(QXmlStreamReader& reader);
 /// non-null string), never "no value".
 QString NameText(QString text);
 
+/// Hands the text of a simple child element to apply(), unless the reader
+/// met an error inside the element: a document that breaks off there (or
+/// whose entity expansion was stopped) is refused as a whole, and the text
+/// read up to the break is not taken for a value.
+template <typename Apply>
+void ApplyText(const QXmlStreamReader& reader, QString text, Apply&& apply)
+{
+    if (!reader.hasError())
+        apply(std::move(text));
+}
+
 /// Marks the start and end of the walk over a parent's content, so that the
 /// re-application of flag and logger at each child can skip the elements
 /// that already have them (see Validation::ReapplyWhileReading).
@@ -46,7 +57,7 @@ private:
 
 /// A child object: the parent's work element forgets the previous child,
 /// takes the parent's flag and logger, reads itself from the reader (still on
-/// the child's start tag) and is handed to append().
+/// the child's start tag) and is handed to append() once it is complete.
 template <typename T, typename AppendElement>
 void ReadChild(const REPORTGENERATOR::IRGObject& parent, T& work, QXmlStreamReader& reader,
                AppendElement&& append)
@@ -55,7 +66,9 @@ void ReadChild(const REPORTGENERATOR::IRGObject& parent, T& work, QXmlStreamRead
     work.SetValidate(parent.GetValidate());
     work.SetLogger(parent.GetLogger());
     work.ProcessXml(reader);
-    append(work);
+    // A child cut short by an error of the document is not appended.
+    if (!reader.hasError())
+        append(work);
 }
 
 } // namespace Xml
