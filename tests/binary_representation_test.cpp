@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <QBuffer>
 #include <QByteArray>
 #include <QDataStream>
@@ -20,12 +22,8 @@
 #include <ostream>
 
 using namespace TORVIXML;
+using namespace TestSupport;
 using REPORTGENERATOR::IRGObject;
-
-inline void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << '"' << text.toStdString() << '"';
-}
 
 inline void PrintTo(const QByteArray& bytes, std::ostream* os)
 {
@@ -55,37 +53,6 @@ const QByteArray kMode = Hex("0000005D 58D44D66 00000005 00000001 4D C0D4B710 00
 const QByteArray kRoot = Hex("0DD58E7A 00000091 95948526 00000065 00000001") + kMode
     + Hex("6EEDD5E0 0000001C 00000018 5458343730 4D616E6167656D656E74 436F6D706F6E656E74");
 
-constexpr qint32 kNameId = 0x58D44D66;
-constexpr qint32 kUsageId = 0x0EDC6084;
-constexpr qint32 kLocationId = 0x17299F64;
-constexpr qint32 kComponentListId = qint32(0xC0D4B710);
-constexpr qint32 kModeListId = qint32(0x95948526);
-constexpr qint32 kHandlerId = 0x6EEDD5E0;
-
-const QString kUsageInvalid =
-    QStringLiteral("enum is not valid (classname=GuiComponentSettings,membername=m_guiComponentUsage)");
-const QString kLocationInvalid =
-    QStringLiteral("enum is not valid (classname=GuiComponentSettings,membername=m_dockWidgetLocation)");
-const QString kHandlerInvalid =
-    QStringLiteral("enum is not valid (classname=TorviGuiModeSettings,membername=m_operationModeHandler)");
-
-QString LengthError(const char* objectName)
-{
-    return QLatin1String(objectName)
-        + QStringLiteral("::SetBinary(...): Length error occurred during processing of binary representation");
-}
-
-// Big-endian building blocks for hand-made input.
-QByteArray Int(qint32 value)
-{
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream << value;
-    return bytes;
-}
-QByteArray Text(const QByteArray& utf8) { return Int(utf8.size()) + utf8; }
-QByteArray Record(qint32 memberId, const QByteArray& payload) { return Int(memberId) + Int(payload.size()) + payload; }
-QByteArray Frame(const QByteArray& records) { return Int(records.size()) + records; }
 
 GuiComponentSettings Component(const QString& name, Usage usage, Location location)
 {
@@ -153,18 +120,6 @@ qint64 Read(IRGObject& object, const QByteArray& frame, QDataStream::ByteOrder o
     return buffer.bytesAvailable();
 }
 
-template <typename E>
-QString MessageOf(const std::function<void()>& f)
-{
-    try {
-        f();
-    } catch (const E& e) {
-        return e.GetMessageText();
-    } catch (const ReportException& e) {
-        return QStringLiteral("<other exception> ") + e.GetMessageText();
-    }
-    return QStringLiteral("<nothing thrown>");
-}
 
 // A device that only appends, like a pipe or a socket.
 class SequentialSink : public QIODevice

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -19,29 +21,12 @@
 using REPORTGENERATOR::Logger;
 using TORVIXML::TorviGuiModeSettings;
 using G = TORVIXML::GuiComponentSettings;
+using namespace TestSupport;
 
-void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << (text.isNull() ? std::string("<null>") : '"' + text.toStdString() + '"');
-}
 
 namespace {
 
-QString Q(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
-template <typename E, typename F>
-QString MessageOf(F&& operation)
-{
-    try {
-        operation();
-    } catch (const E& e) {
-        return e.GetMessageText();
-    }
-    return Q("<nothing thrown>");
-}
 
 // "usage|dock|name", each followed by '*' when the member is set; a null
 // name shows as <null>, any other in quotes.

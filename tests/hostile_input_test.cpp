@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <QBuffer>
 #include <QByteArray>
 #include <QDataStream>
@@ -23,43 +25,10 @@
 #include <ostream>
 
 using namespace TORVIXML;
-
-inline void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << '"' << text.left(200).toStdString() << (text.size() > 200 ? "...\"" : "\"");
-}
+using namespace TestSupport;
 
 namespace {
 
-constexpr qint32 kRootId = 232099450;
-constexpr qint32 kComponentId = -1436546027;
-constexpr qint32 kNameId = 0x58D44D66;
-constexpr qint32 kUsageId = 0x0EDC6084;
-constexpr qint32 kLocationId = 0x17299F64;
-constexpr qint32 kComponentListId = qint32(0xC0D4B710);
-constexpr qint32 kModeListId = qint32(0x95948526);
-constexpr qint32 kHandlerId = 0x6EEDD5E0;
-
-const QString kHandlerInvalid =
-    QStringLiteral("enum is not valid (classname=TorviGuiModeSettings,membername=m_operationModeHandler)");
-
-QString LengthError(const char* objectName)
-{
-    return QLatin1String(objectName)
-        + QStringLiteral("::SetBinary(...): Length error occurred during processing of binary representation");
-}
-
-// Big-endian building blocks.
-QByteArray Int(qint32 value)
-{
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream << value;
-    return bytes;
-}
-QByteArray Text(const QByteArray& utf8) { return Int(utf8.size()) + utf8; }
-QByteArray Record(qint32 memberId, const QByteArray& payload) { return Int(memberId) + Int(payload.size()) + payload; }
-QByteArray Frame(const QByteArray& records) { return Int(records.size()) + records; }
 QByteArray Document(const QByteArray& records) { return Int(kRootId) + Frame(records); }
 
 const QByteArray kHandlerQls = Record(kHandlerId, Text("QLSManagementComponent"));

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QVector>
@@ -25,32 +27,15 @@ using REPORTGENERATOR::Logger;
 using G = TORVIXML::GuiComponentSettings;
 using M = TORVIXML::DataOperationMode;
 using R = TORVIXML::TorviGuiModeSettings;
+using namespace TestSupport;
 using std::as_const;
 
-void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << (text.isNull() ? std::string("<null>") : '"' + text.toStdString() + '"');
-}
 
 namespace {
 
-QString Q(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
-const QString Passes = Q("<nothing thrown>");
+const QString Passes = kNothingThrown;
 
-template <typename E, typename F>
-QString MessageOf(F&& operation)
-{
-    try {
-        operation();
-    } catch (const E& e) {
-        return e.GetMessageText();
-    }
-    return Passes;
-}
 
 std::string Text(const QString& s)
 {

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <QDir>
 #include <QFile>
 #include <QString>
@@ -18,13 +20,9 @@
 #include <ostream>
 
 using namespace TORVIXML;
+using namespace TestSupport;
 using REPORTGENERATOR::IRGObject;
 using REPORTGENERATOR::Logger;
-
-inline void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << '"' << text.toStdString() << '"';
-}
 
 namespace {
 
@@ -43,12 +41,6 @@ const QString kExample = QStringLiteral("<TorviGuiModeSettings>") + kStandardMod
 
 const QString kDeclaration = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
 
-const QString kUsageInvalid =
-    QStringLiteral("enum is not valid (classname=GuiComponentSettings,membername=m_guiComponentUsage)");
-const QString kLocationInvalid =
-    QStringLiteral("enum is not valid (classname=GuiComponentSettings,membername=m_dockWidgetLocation)");
-const QString kHandlerInvalid =
-    QStringLiteral("enum is not valid (classname=TorviGuiModeSettings,membername=m_operationModeHandler)");
 
 GuiComponentSettings Component(const QString& name, Usage usage, Location location)
 {
@@ -94,20 +86,6 @@ QString WriteXml(const IRGObject& object)
     return text;
 }
 
-// The message of the exception of type E that f throws; a marker text when
-// it throws nothing or another type.
-template <typename E>
-QString MessageOf(const std::function<void()>& f)
-{
-    try {
-        f();
-    } catch (const E& e) {
-        return e.GetMessageText();
-    } catch (const ReportException& e) {
-        return QStringLiteral("<other exception> ") + e.GetMessageText();
-    }
-    return QStringLiteral("<nothing thrown>");
-}
 
 const DataOperationMode& ModeAt(const TorviGuiModeSettings& root, int i)
 {
