@@ -16,7 +16,6 @@
 #include <QTemporaryDir>
 #include <QVector>
 
-#include <sys/resource.h>
 
 #include <functional>
 #include <ostream>
@@ -136,13 +135,6 @@ protected:
         return size;
     }
 };
-
-long PeakResidentKiB()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
-}
 
 } // namespace
 
@@ -413,27 +405,6 @@ TEST(BinaryRepresentation, LengthAccounting)
               LengthError("TorviGuiModeSettings"));
     ASSERT_EQ(tooFew.GetDataOperationMode().size(), 1);
     EXPECT_TRUE(tooFew.GetDataOperationMode().at(0) == ExampleMode());
-}
-
-TEST(BinaryRepresentation, HugeElementCountIsRefusedWithoutHugeAllocation)
-{
-    const long before = PeakResidentKiB();
-    for (int round = 0; round < 20; ++round) {
-        DataOperationMode mode;
-        EXPECT_EQ(MessageOf<BinaryParsingException>([&] {
-                      Read(mode, Frame(Record(kNameId, Text("M"))
-                                       + Record(kComponentListId, Int(0x7FFFFFFF) + kComponent.mid(4))));
-                  }),
-                  LengthError("DataOperationMode"));
-        EXPECT_EQ(mode.GetGuiComponentSettings().size(), 1);
-
-        // The record length claims room for them all.
-        TorviGuiModeSettings root;
-        const QByteArray frame = Hex("7FFFFFFF") + Int(kModeListId) + Hex("7FFFFFF7 7FFFFFFF") + kMode;
-        EXPECT_EQ(MessageOf<BinaryParsingException>([&] { Read(root, frame); }), LengthError("TorviGuiModeSettings"));
-        EXPECT_EQ(root.GetDataOperationMode().size(), 1);
-    }
-    EXPECT_LT(PeakResidentKiB() - before, 64L * 1024);
 }
 
 TEST(BinaryRepresentation, StreamByteOrderIsUsed)
