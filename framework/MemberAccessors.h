@@ -133,7 +133,9 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
 // source is a temporary), the move constructor (used by containers to
 // relocate elements and by the readers to hand over what they read; it
 // carries everything along, and the source keeps its object name), the
-// reset and the type that cannot be changed.
+// duplicating constructor (an exact duplicate with a record of its own, for
+// the lists of a record that is being copied), the reset and the type that
+// cannot be changed.
 #define TORVIXML_VALUE_CLASS(Class)                                                            \
     qint64 Class::GetId() { return id; }                                                       \
     Class::Class()                                                                             \
@@ -148,6 +150,9 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
         SetObjectName(QStringLiteral(#Class));                                                 \
         m_classId = id;                                                                        \
         SetValidate(other.GetValidate());                                                      \
+        /* The record was duplicated whole, element loggers included; the */                   \
+        /* copy takes none of the source's, so its own goes down the tree. */                  \
+        SetLogger(GetLogger());                                                                \
     }                                                                                          \
     Class::Class(Class&& other) noexcept                                                       \
         : IRGObject(std::move(other))                                                          \
@@ -156,6 +161,12 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
         /* The source stays an object of its class: the XML readers move */                    \
         /* their work element into the list and read the next child into it. */                \
         other.SetObjectName(QStringLiteral(#Class));                                           \
+    }                                                                                          \
+    Class::Class(Framework::CloneTag, const Class& other)                                      \
+        : IRGObject(other)                                                                     \
+        , d(other.d)                                                                           \
+    {                                                                                          \
+        d.detach();                                                                            \
     }                                                                                          \
     Class& Class::operator=(const Class& other)                                                \
     {                                                                                          \
@@ -326,8 +337,7 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
     void Class::Set##Member(const QVector<Member>& value)                                      \
     {                                                                                          \
         InitData();                                                                            \
-        d->FIELD.list = value;                                                                 \
-        d->FIELD.list.detach();                                                                \
+        d->FIELD.Assign(value);                                                                \
         d->MarkSet(BIT);                                                                       \
     }                                                                                          \
     void Class::Append##Member(const Member& value)                                            \

@@ -31,6 +31,16 @@ struct TextField
     QString value;
 };
 
+/// Selects the duplicating constructor of a settings class: an exact
+/// duplicate of an element, its validation flag and logger included, with a
+/// record of its own. Records use it to copy their lists, so that taking a
+/// private copy of a shared record changes nothing that anyone can see.
+struct CloneTag
+{
+    explicit constexpr CloneTag() = default;
+};
+inline constexpr CloneTag Clone{};
+
 /// The fields of a list member: a default element (stored and returned
 /// only), the list, and the work element into which the XML reader reads
 /// each child before appending it.
@@ -38,17 +48,27 @@ template <typename T>
 struct ListField
 {
     ListField() = default;
-    // A copied record owns its elements outright: the list is detached at
-    // once (each element by its copy constructor), so that no const
-    // operation on one object can ever reach an element of another.
+    // A copied record owns its elements outright, so that no const operation
+    // on one object can ever reach an element of another. The elements are
+    // duplicated whole: a record is copied whenever an object stops sharing
+    // it, and that must not take the elements' loggers away.
     ListField(const ListField& other)
         : defaultElement(other.defaultElement)
-        , list(other.list)
         , readElement(other.readElement)
     {
-        list.detach();
+        Assign(other.list);
     }
     ListField& operator=(const ListField&) = delete;
+
+    /// The list := a duplicate of source, element by element.
+    void Assign(const QVector<T>& source)
+    {
+        QVector<T> copy;
+        copy.reserve(source.size());
+        for (const T& element : source)
+            copy.append(T(Clone, element));
+        list.swap(copy);
+    }
 
     T defaultElement;
     QVector<T> list;

@@ -84,6 +84,11 @@ protected:
     void ProcessXmlStartElement(QXmlStreamReader& reader) override;
 
 private:
+    // Lists duplicate their elements whole, flag and logger included.
+    template <typename T>
+    friend struct Framework::ListField;
+    DataOperationMode(Framework::CloneTag, const DataOperationMode& other);
+
     friend class TorviGuiModeSettings;
 
     void InitData() const;

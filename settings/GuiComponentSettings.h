@@ -11,6 +11,12 @@
 
 namespace TORVIXML {
 
+namespace Framework {
+struct CloneTag;
+template <typename T>
+struct ListField;
+}
+
 class GuiComponentSettingsData;
 
 /**
@@ -131,6 +137,11 @@ protected:
     void ProcessXmlStartElement(QXmlStreamReader& reader) override;
 
 private:
+    // Lists duplicate their elements whole, flag and logger included.
+    template <typename T>
+    friend struct Framework::ListField;
+    GuiComponentSettings(Framework::CloneTag, const GuiComponentSettings& other);
+
     friend class DataOperationMode;
 
     void InitData() const;

@@ -102,6 +102,8 @@ protected:
     void ProcessXmlStartElement(QXmlStreamReader& reader) override;
 
 private:
+    TorviGuiModeSettings(Framework::CloneTag, const TorviGuiModeSettings& other);
+
     void InitData() const;
     void ConstNoClearReset() const;
     // Check(), GetXml() and GetBinary() without re-applying the flag and the
