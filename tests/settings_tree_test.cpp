@@ -618,3 +618,140 @@ TEST(SettingsTreeValidation, ElementsOfAnUnsetListAreCheckedWhenWritten)
                 "</TorviGuiModeSettings>\n"));
     EXPECT_EQ(complete.GetBinaryRepresentationAsQByteArray().size(), 153);
 }
+
+// Taking a private copy of a shared record is invisible: the elements of
+// both lists keep the flags and loggers they had, whichever object is used
+// first. A list handed to the setter arrives as it was, loggers included,
+// and stays independent of the caller's.
+TEST(SettingsTreeValue, PrivateCopiesOfASharedRecordKeepEveryElementsLogger)
+{
+    const auto logger = std::make_shared<Logger>();
+    R source = TwoModeTree();
+    source.SetLogger(logger);
+    R target;
+    target = source;
+    EXPECT_TRUE(as_const(source).IsOperationModeHandlerSet()); // the source detaches first
+    ExpectAll(Elements(source), false, logger);
+    ExpectAll(Elements(target), false, logger);
+    EXPECT_EQ(target.GetLogger(), nullptr);
+
+    M mode = Mode("M", {Component("A")});
+    mode.SetLogger(logger);
+    M other;
+    other = mode;
+    EXPECT_EQ(as_const(other).GetGuiComponentSettings()[0].GetLogger(), logger);
+    EXPECT_EQ(as_const(mode).GetGuiComponentSettings()[0].GetLogger(), logger);
+
+    const auto own = std::make_shared<Logger>();
+    QVector<M> modes(1);
+    modes[0].SetName(Q("Own"));
+    modes[0].SetValidate(true);
+    modes[0].SetLogger(own);
+    R root;
+    root.SetDataOperationMode(modes);
+    EXPECT_EQ(as_const(root).GetDataOperationMode()[0].GetLogger(), own);
+    EXPECT_TRUE(as_const(root).GetDataOperationMode()[0].GetValidate());
+    root.GetDataOperationMode()[0].SetName(Q("Changed"));
+    EXPECT_EQ(modes[0].GetName(), Q("Own"));
+}
+
+TEST(TorviGuiModeSettingsHandler, AccessorsDefaultsConversionsAndFailures)
+{
+    R fresh;
+    EXPECT_EQ(fresh.GetOperationModeHandlerAsString(), Q("TX470ManagementComponent"));
+    EXPECT_TRUE(fresh.IsInitialized());
+    EXPECT_FALSE(fresh.IsOperationModeHandlerSet());
+    EXPECT_FALSE(fresh.HasData());
+    EXPECT_EQ(fresh.GetInvalidOperationModeHandler(), -1);
+    EXPECT_EQ(fresh.GetDefaultOperationModeHandler(), 0);
+    EXPECT_TRUE(fresh.OperationModeHandlerToName(R::OperationModeHandler(4)).isNull());
+    EXPECT_TRUE(fresh.OperationModeHandlerToName(R::OperationModeHandler(-1)).isNull());
+    EXPECT_EQ(fresh.OperationModeHandlerToName(R::VbkManagementComponent), Q("VbkManagementComponent"));
+    EXPECT_EQ(fresh.NameToOperationModeHandler(Q("QLSManagementComponent")), R::QLSManagementComponent);
+    EXPECT_EQ(fresh.NameToOperationModeHandler(Q("qlsmanagementcomponent")), -1);
+    EXPECT_EQ(fresh.NameToOperationModeHandler(Q("QLSManagementComponent ")), -1);
+    fresh.SetInvalidOperationModeHandler(R::OperationModeHandler(42));
+    EXPECT_EQ(fresh.NameToOperationModeHandler(QString()), 42);
+    EXPECT_FALSE(fresh.IsValidOperationModeHandler(R::OperationModeHandler(42)));
+    EXPECT_EQ(R::GetOperationModeHandlers(),
+              QStringList({Q("TX470ManagementComponent"), Q("PMR830ManagementComponent"),
+                           Q("QLSManagementComponent"), Q("VbkManagementComponent")}));
+
+    R validated;
+    validated.SetValidate(true);
+    for (int bad : {-1, 4}) {
+        EXPECT_EQ(MessageOf<OutOfRangeException>(
+                      [&] { validated.SetOperationModeHandler(R::OperationModeHandler(bad)); }),
+                  kHandlerInvalid);
+        EXPECT_FALSE(validated.IsOperationModeHandlerSet());
+        EXPECT_EQ(validated.GetOperationModeHandler(), 0);
+    }
+    validated.SetOperationModeHandler(R::VbkManagementComponent);
+    EXPECT_TRUE(validated.IsOperationModeHandlerSet());
+    EXPECT_EQ(validated.GetOperationModeHandlerAsString(), Q("VbkManagementComponent"));
+
+    R lax;
+    lax.SetOperationModeHandler(R::OperationModeHandler(4));
+    EXPECT_TRUE(lax.IsOperationModeHandlerSet());
+    EXPECT_TRUE(lax.HasData());
+    EXPECT_TRUE(lax.GetOperationModeHandlerAsString().isNull());
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { lax.Check(); }), HandlerMessage);
+
+    R withDefault = TwoModeTree();
+    withDefault.SetDefaultOperationModeHandler(R::QLSManagementComponent);
+    withDefault.ResetToDefault();
+    EXPECT_EQ(Outline(withDefault), "2*{}");
+    withDefault.SetDefaultOperationModeHandler(R::OperationModeHandler(7));
+    withDefault.ResetToDefault();
+    EXPECT_EQ(Outline(withDefault), "7{}");
+}
+
+// Handlers may catch the exceptions by value as well.
+#if defined(__GNUC__)
+#pragma GCC diagnostic ignored "-Wcatch-value"
+#endif
+
+TEST(SettingsTreeIdentity, ClassIdsNamesTypesAndExceptionClasses)
+{
+    EXPECT_EQ(M::id, -447125075);
+    EXPECT_EQ(M::GetId(), -447125075);
+    EXPECT_EQ(R::id, 232099450);
+    EXPECT_EQ(R::GetId(), 232099450);
+    const M mode = Mode("M");
+    const R root = Root(0, {mode});
+    EXPECT_EQ(M(mode).GetObjectName(), Q("DataOperationMode"));
+    EXPECT_EQ(R(root).GetObjectName(), Q("TorviGuiModeSettings"));
+
+    M typedMode;
+    R typedRoot;
+    const auto before = typedMode.GetObjectType();
+    typedMode.SetObjectType(REPORTGENERATOR::ReportObject);
+    typedRoot.SetObjectType(REPORTGENERATOR::ContainerObject);
+    EXPECT_EQ(typedMode.GetObjectType(), before);
+    EXPECT_EQ(typedRoot.GetObjectType(), R().GetObjectType());
+
+    M incomplete;
+    R validated;
+    validated.SetValidate(true);
+    bool caughtAsStd = false;
+    QString viaReport;
+    try {
+        try {
+            validated.AppendDataOperationMode(incomplete);
+        } catch (const std::exception&) {
+            caughtAsStd = true;
+        }
+    } catch (const ReportException& e) {
+        viaReport = e.GetMessageText();
+    }
+    EXPECT_FALSE(caughtAsStd);
+    EXPECT_EQ(viaReport, AppendModeMessage);
+    QString viaRG;
+    try {
+        validated.AppendDataOperationMode(incomplete);
+    } catch (RGException e) {
+        viaRG = e.GetMessageText();
+    }
+    EXPECT_EQ(viaRG, AppendModeMessage);
+    EXPECT_FALSE(validated.IsDataOperationModeSet());
+}

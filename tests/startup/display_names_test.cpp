@@ -125,6 +125,47 @@ TEST(DisplayNames, GermanNamesFollowTheCatalogue)
     ExpectUntranslated();
     EXPECT_EQ(center.RegisteredModules(), QStringList{kModule});
 }
+
+// Answers every lookup with the arguments it was given, so that the context,
+// source text, disambiguation and count of a translation call can be seen.
+class EchoTranslator : public QTranslator
+{
+public:
+    QString translate(const char* context, const char* sourceText, const char* disambiguation,
+                      int n) const override
+    {
+        return QStringLiteral("%1|%2|%3|%4")
+            .arg(QString::fromUtf8(context), QString::fromUtf8(sourceText),
+                 disambiguation ? QString::fromUtf8(disambiguation) : QStringLiteral("<none>"))
+            .arg(n);
+    }
+    bool isEmpty() const override { return false; }
+};
+
+TEST(DisplayNames, TranslationFunctionsUseTheirClassContext)
+{
+    Application app;
+    EchoTranslator echo;
+    ASSERT_TRUE(QCoreApplication::installTranslator(&echo));
+    const QString component = QStringLiteral("TORVIXML::GuiComponentSettings|");
+    const QString root = QStringLiteral("TORVIXML::TorviGuiModeSettings|");
+    EXPECT_EQ(GuiComponentSettings::tr("Dock", nullptr), component + QStringLiteral("Dock|<none>|-1"));
+    EXPECT_EQ(GuiComponentSettings::tr("Dock", "menu", 3), component + QStringLiteral("Dock|menu|3"));
+    EXPECT_EQ(GuiComponentSettings::trUtf8("Gr\xC3\xB6\xC3\x9F" "e", "x"),
+              component + QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e|x|-1"));
+    EXPECT_EQ(GuiComponentSettings::trUtf8("Dock", nullptr, 0), component + QStringLiteral("Dock|<none>|0"));
+    EXPECT_EQ(TorviGuiModeSettings::tr("Mode", "title"), root + QStringLiteral("Mode|title|-1"));
+    EXPECT_EQ(TorviGuiModeSettings::tr("Mode", nullptr, 2), root + QStringLiteral("Mode|<none>|2"));
+    EXPECT_EQ(TorviGuiModeSettings::trUtf8("Mode", "t"), root + QStringLiteral("Mode|t|-1"));
+    EXPECT_EQ(TorviGuiModeSettings::trUtf8("Mode", "t", 1), root + QStringLiteral("Mode|t|1"));
+    // The display lists translate in the context "QObject", the names as they
+    // are stored, the trailing blank included.
+    EXPECT_EQ(GuiComponentSettings::GetGUIDockWidgetLocations()[5],
+              QStringLiteral("QObject|FloatingDockWidgetArea |<none>|-1"));
+    EXPECT_EQ(TorviGuiModeSettings::GetGUIOperationModeHandlers()[0],
+              QStringLiteral("QObject|TX470ManagementComponent|<none>|-1"));
+    QCoreApplication::removeTranslator(&echo);
+}
 } // namespace
 
 int main(int argc, char** argv)
