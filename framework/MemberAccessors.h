@@ -198,18 +198,35 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
     void Class::Check() const { Check(false); }                                                \
     void Class::SetObjectType(REPORTGENERATOR::ObjectTypes) {}
 
-// The accessor family of an enumeration member. Member is both the member's
-// and its enumeration type's name; FIELD is the record's EnumField, BIT its
-// flag, TABLE an expression giving its EnumNameTable.
-#define TORVIXML_ENUM_MEMBER(Class, Member, FIELD, BIT, TABLE)                                 \
+// What every member has, whatever its kind: the set test, the member's reset
+// (CLEAR puts the value back), and the default, of type T in field DEFAULT.
+#define TORVIXML_MEMBER_BASICS(Class, Member, BIT, CLEAR, T, DEFAULT)                          \
     bool Class::Is##Member##Set() const { return d && d->IsSet(BIT); }                         \
     void Class::Reset##Member()                                                                \
     {                                                                                          \
         if (!d)                                                                                \
             return;                                                                            \
         d->MarkUnset(BIT);                                                                     \
-        d->FIELD.value = d->FIELD.defaultValue;                                                \
+        CLEAR;                                                                                 \
     }                                                                                          \
+    void Class::SetDefault##Member(const T& value)                                             \
+    {                                                                                          \
+        InitData();                                                                            \
+        d->DEFAULT = value;                                                                    \
+        d->m_defaultSetFlags.setBit(BIT);                                                      \
+    }                                                                                          \
+    const T& Class::GetDefault##Member() const                                                 \
+    {                                                                                          \
+        InitData();                                                                            \
+        return d->DEFAULT;                                                                     \
+    }
+
+// The accessor family of an enumeration member. Member is both the member's
+// and its enumeration type's name; FIELD is the record's EnumField, BIT its
+// flag, TABLE an expression giving its EnumNameTable.
+#define TORVIXML_ENUM_MEMBER(Class, Member, FIELD, BIT, TABLE)                                 \
+    TORVIXML_MEMBER_BASICS(Class, Member, BIT, d->FIELD.value = d->FIELD.defaultValue,         \
+                           Class::Member, FIELD.defaultValue)                                  \
     void Class::SetInvalid##Member(const Member& value)                                        \
     {                                                                                          \
         InitData();                                                                            \
@@ -220,21 +237,10 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
         InitData();                                                                            \
         return d->FIELD.invalid;                                                               \
     }                                                                                          \
-    void Class::SetDefault##Member(const Member& value)                                        \
-    {                                                                                          \
-        InitData();                                                                            \
-        d->FIELD.defaultValue = value;                                                         \
-        d->m_defaultSetFlags.setBit(BIT);                                                      \
-    }                                                                                          \
     bool Class::IsValid##Member(const Member& value) const                                     \
     {                                                                                          \
         InitData();                                                                            \
         return TABLE.Contains(value);                                                          \
-    }                                                                                          \
-    const Class::Member& Class::GetDefault##Member() const                                     \
-    {                                                                                          \
-        InitData();                                                                            \
-        return d->FIELD.defaultValue;                                                          \
     }                                                                                          \
     const Class::Member& Class::Get##Member() const                                            \
     {                                                                                          \
@@ -270,25 +276,8 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
 // The accessor family of a string member; Member is also its label in
 // messages.
 #define TORVIXML_TEXT_MEMBER(Class, Member, FIELD, BIT)                                        \
-    bool Class::Is##Member##Set() const { return d && d->IsSet(BIT); }                         \
-    void Class::Reset##Member()                                                                \
-    {                                                                                          \
-        if (!d)                                                                                \
-            return;                                                                            \
-        d->MarkUnset(BIT);                                                                     \
-        d->FIELD.value = QString();                                                            \
-    }                                                                                          \
-    void Class::SetDefault##Member(const QString& value)                                       \
-    {                                                                                          \
-        InitData();                                                                            \
-        d->FIELD.defaultValue = value;                                                         \
-        d->m_defaultSetFlags.setBit(BIT);                                                      \
-    }                                                                                          \
-    const QString& Class::GetDefault##Member() const                                           \
-    {                                                                                          \
-        InitData();                                                                            \
-        return d->FIELD.defaultValue;                                                          \
-    }                                                                                          \
+    TORVIXML_MEMBER_BASICS(Class, Member, BIT, d->FIELD.value = QString(), QString,            \
+                           FIELD.defaultValue)                                                 \
     bool Class::IsValid##Member(const QString& value) const { return !value.isNull(); }        \
     QString Class::Get##Member() const                                                         \
     {                                                                                          \
@@ -304,25 +293,8 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
 
 // The accessor family of a list member; Member is also the element class.
 #define TORVIXML_LIST_MEMBER(Class, Member, FIELD, BIT)                                        \
-    bool Class::Is##Member##Set() const { return d && d->IsSet(BIT); }                         \
-    void Class::Reset##Member()                                                                \
-    {                                                                                          \
-        if (!d)                                                                                \
-            return;                                                                            \
-        d->MarkUnset(BIT);                                                                     \
-        d->FIELD.list.clear();                                                                 \
-    }                                                                                          \
-    void Class::SetDefault##Member(const Member& value)                                        \
-    {                                                                                          \
-        InitData();                                                                            \
-        d->FIELD.defaultElement = value;                                                       \
-        d->m_defaultSetFlags.setBit(BIT);                                                      \
-    }                                                                                          \
-    const Member& Class::GetDefault##Member() const                                            \
-    {                                                                                          \
-        InitData();                                                                            \
-        return d->FIELD.defaultElement;                                                        \
-    }                                                                                          \
+    TORVIXML_MEMBER_BASICS(Class, Member, BIT, d->FIELD.list.clear(), Member,                  \
+                           FIELD.defaultElement)                                               \
     QVector<Member>& Class::Get##Member()                                                      \
     {                                                                                          \
         InitData();                                                                            \
