@@ -29,8 +29,11 @@ public:
 
     DataOperationMode();
     DataOperationMode(const DataOperationMode& other);
+    /// Moves the object whole, validation flag and logger included; the
+    /// source is left without data, as a new object.
     DataOperationMode(DataOperationMode&& other) noexcept;
     DataOperationMode& operator=(const DataOperationMode& other);
+    /// Like the copy assignment, flag and logger stay the target's.
     DataOperationMode& operator=(DataOperationMode&& other) noexcept;
     ~DataOperationMode() override;
 

@@ -56,8 +56,11 @@ public:
 
     GuiComponentSettings();
     GuiComponentSettings(const GuiComponentSettings& other);
+    /// Moves the object whole, validation flag and logger included; the
+    /// source is left without data, as a new object.
     GuiComponentSettings(GuiComponentSettings&& other) noexcept;
     GuiComponentSettings& operator=(const GuiComponentSettings& other);
+    /// Like the copy assignment, flag and logger stay the target's.
     GuiComponentSettings& operator=(GuiComponentSettings&& other) noexcept;
     ~GuiComponentSettings() override;
 

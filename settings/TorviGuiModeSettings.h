@@ -33,8 +33,11 @@ public:
 
     TorviGuiModeSettings();
     TorviGuiModeSettings(const TorviGuiModeSettings& other);
+    /// Moves the object whole, validation flag and logger included; the
+    /// source is left without data, as a new object.
     TorviGuiModeSettings(TorviGuiModeSettings&& other) noexcept;
     TorviGuiModeSettings& operator=(const TorviGuiModeSettings& other);
+    /// Like the copy assignment, flag and logger stay the target's.
     TorviGuiModeSettings& operator=(TorviGuiModeSettings&& other) noexcept;
     ~TorviGuiModeSettings() override;
 

@@ -755,3 +755,29 @@ TEST(SettingsTreeIdentity, ClassIdsNamesTypesAndExceptionClasses)
     EXPECT_EQ(viaRG, AppendModeMessage);
     EXPECT_FALSE(validated.IsDataOperationModeSet());
 }
+
+// Moving hands the whole object over, flag and logger included, and leaves
+// the source as a new object of its class; move assignment keeps the
+// target's flag and logger like the copy assignment.
+TEST(SettingsTreeValue, MovesHandOverTheWholeObject)
+{
+    const auto logger = std::make_shared<Logger>();
+    R source = TwoModeTree();
+    source.SetValidate(true);
+    source.SetLogger(logger);
+    R moved(std::move(source));
+    EXPECT_EQ(Outline(moved), TwoModeOutline);
+    EXPECT_TRUE(moved.GetValidate());
+    EXPECT_EQ(moved.GetLogger(), logger);
+    ExpectAll(Elements(moved), true, logger);
+    EXPECT_FALSE(source.IsInitialized());
+    EXPECT_EQ(source.GetObjectName(), Q("TorviGuiModeSettings"));
+    source.SetOperationModeHandler(R::QLSManagementComponent);
+    EXPECT_EQ(Outline(source), "2*{}");
+
+    R target;
+    target = std::move(moved);
+    EXPECT_EQ(Outline(target), TwoModeOutline);
+    EXPECT_FALSE(target.GetValidate());
+    EXPECT_EQ(target.GetLogger(), nullptr);
+}
