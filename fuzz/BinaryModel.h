@@ -175,7 +175,10 @@ void List(Cursor& in, bool validate, QVector<T>& list, bool& listSet, const char
 {
     const qint32 count = in.Int32();
     for (qint32 i = 0; i < count; ++i) {
-        if (in.AtEnd() || in.PastEnd())
+        // Past the end, an element gets the object length 0 and no data: the
+        // append refuses it in validation mode; outside it the owner stops
+        // with its length error rather than append empty elements.
+        if (!validate && in.AtEnd())
             throw Thrown{LengthError(ownerName)};
         const qint32 length = in.Int32();
         T element;

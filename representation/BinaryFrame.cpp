@@ -12,8 +12,9 @@ namespace Binary {
 bool CanWrite(QDataStream& stream)
 {
     QIODevice* device = stream.device();
+    // Only QBuffer itself: a subclass may write differently in append mode.
     if (device && device->isWritable() && !device->isSequential()
-        && !(device->openMode() & QIODevice::Append))
+        && (!(device->openMode() & QIODevice::Append) || device->metaObject() == &QBuffer::staticMetaObject))
         return true;
     stream.setStatus(QDataStream::WriteFailed);
     return false;
@@ -64,11 +65,11 @@ const char* ReadPayload(Source& in, quint32 count, char (&small)[SmallText], QBy
 }
 
 // The count of a text payload; 0 for a null or empty text and after a short
-// read.
+// read, which yields 0 itself.
 quint32 ReadCount(Source& in)
 {
     const quint32 count = in.ReadUInt32();
-    if (count == 0xFFFFFFFFu || !in.Ok())
+    if (count == 0xFFFFFFFFu)
         return 0;
     if (count > quint32(std::numeric_limits<int>::max())) {
         // More than a byte array can hold. The payload is passed over as a

@@ -28,9 +28,13 @@
 namespace TORVIXML {
 namespace Binary {
 
-/// Whether the stream's device allows patching lengths: present, writable,
-/// random-access and not appending. A stream that fails this gets its
-/// status set to WriteFailed and nothing is written.
+/// Whether the stream's device allows patching lengths: present, writable
+/// and random-access; in append mode only a plain QBuffer, which merely
+/// starts at its end and then seeks and overwrites like any other buffer. A
+/// file opened for appending writes every byte at its end whatever its
+/// position, so the patched lengths would land behind the frame. A stream
+/// that fails this gets its status set to WriteFailed and nothing is
+/// written.
 bool CanWrite(QDataStream& stream);
 
 /// Text payload: UTF-8 as a byte array, a null text as count 0xFFFFFFFF.
@@ -118,10 +122,16 @@ void ReadRecords(const REPORTGENERATOR::IRGObject& object, QDataStream& stream, 
 /// still holds, can carry at four bytes per element frame.
 int ReservationFor(const Source& in, qint32 count, qint32 recordLength);
 
-/// A list payload: the element count, then each element read into a fresh
-/// element that carries the owner's flag and logger, then handed to
-/// append(T&&). Elements announced beyond the end of the stream are a
-/// length error of the owner.
+/// A list payload: the element count, then for each element its object
+/// length, a fresh element that carries the owner's flag and logger reads
+/// its records, and append(T&&) takes it.
+///
+/// An element announced beyond the end of the stream gets the object length
+/// 0 of the short read and so reads nothing. In validation mode the append
+/// refuses such an element, which ends the list at the first one. Outside
+/// validation mode every one of them would be appended, up to 2^31 empty
+/// elements for four bytes of count; the owner's length error ends the read
+/// instead as soon as an element is announced after the stream has ended.
 template <typename T, typename AppendElement>
 void ReadList(const REPORTGENERATOR::IRGObject& owner, Source& in, qint32 recordLength, QVector<T>& list,
               AppendElement&& append)
@@ -133,7 +143,7 @@ void ReadList(const REPORTGENERATOR::IRGObject& owner, Source& in, qint32 record
     const bool validate = owner.GetValidate();
     const std::shared_ptr<REPORTGENERATOR::Logger> logger = owner.GetLogger();
     for (qint32 i = 0; i < count; ++i) {
-        if (in.AtEnd() || !in.Ok())
+        if (!validate && in.AtEnd())
             ThrowLengthError(owner);
         const qint32 elementLength = in.ReadInt32();
         T element;
@@ -150,12 +160,14 @@ void ReadList(const REPORTGENERATOR::IRGObject& owner, Source& in, qint32 record
 } // namespace Binary
 } // namespace TORVIXML
 
-// GetBinary() of every class: a device that cannot be patched is refused
-// before anything happens, then the write prologue, then the frame.
+// GetBinary() of every class: the write prologue first (flag and logger
+// handed down, and in validation mode the check, whose failure propagates,
+// and nothing written for an object without data), then a device that
+// cannot be patched is refused before anything is written, then the frame.
 #define TORVIXML_BINARY_WRITE_ENTRY(Class)                                                     \
     bool Class::GetBinary(QDataStream& stream, int id, bool writeId) const                     \
     {                                                                                          \
-        if (!Binary::CanWrite(stream) || !Validation::WritePrologue(*this))                    \
+        if (!Validation::WritePrologue(*this) || !Binary::CanWrite(stream))                    \
             return false;                                                                      \
         WriteBinaryFrame(stream, id, writeId);                                                 \
         return true;                                                                           \

@@ -21,6 +21,12 @@ namespace Binary {
  * ReadPastEnd, and the device stands behind the last byte read whenever the
  * stream itself is handed on (HandOn) and when the source goes away, also
  * when an exception ends the read.
+ *
+ * The stream's status is only ever set, never consulted: as with the
+ * stream's own operators outside a transaction, the bytes read are the same
+ * whatever status the stream was handed in with. A short read shows in what
+ * it gives (0, no bytes, AtEnd() afterwards), not in the status, which may
+ * have been bad from the start.
  */
 class Source
 {
@@ -31,7 +37,6 @@ public:
     Source& operator=(const Source&) = delete;
 
     bool AtEnd() const { return m_direct ? m_pos >= m_size : m_stream.atEnd(); }
-    bool Ok() const { return m_stream.status() == QDataStream::Ok; }
     qint64 BytesAvailable() const;
 
     qint32 ReadInt32() { return qint32(ReadUInt32()); }

@@ -18,7 +18,9 @@
 
 
 #include <functional>
+#include <memory>
 #include <ostream>
+#include <utility>
 
 using namespace TORVIXML;
 using namespace TestSupport;
@@ -398,13 +400,38 @@ TEST(BinaryRepresentation, LengthAccounting)
     EXPECT_TRUE(shortRead.IsDockWidgetLocationSet());
     EXPECT_EQ(shortRead.GetDockWidgetLocation(), Location(-1));
 
-    // More elements announced than the stream holds: the owner's length error.
-    TorviGuiModeSettings tooFew;
-    EXPECT_EQ(MessageOf<BinaryParsingException>(
-                  [&] { Read(tooFew, Frame(Record(kModeListId, Int(3) + kMode))); }),
-              LengthError("TorviGuiModeSettings"));
-    ASSERT_EQ(tooFew.GetDataOperationMode().size(), 1);
-    EXPECT_TRUE(tooFew.GetDataOperationMode().at(0) == ExampleMode());
+    // More elements announced than the stream holds. In validation mode the
+    // first element beyond the end reads nothing and its append is refused;
+    // outside it the owner ends with its length error. Either way only the
+    // elements that were there are appended.
+    const QByteArray threeModes = Frame(Record(kModeListId, Int(3) + kMode));
+    const QByteArray twoComponents =
+        Frame(Record(kNameId, Text("M")) + Record(kComponentListId, Int(2) + kComponent.mid(4)));
+    for (const bool validate : {false, true}) {
+        SCOPED_TRACE(validate);
+        TorviGuiModeSettings tooFew;
+        tooFew.SetValidate(validate);
+        DataOperationMode tooFewComponents;
+        tooFewComponents.SetValidate(validate);
+        if (validate) {
+            EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { Read(tooFew, threeModes); }),
+                      QStringLiteral("TorviGuiModeSettings: Tried to append not completely defined or invalid "
+                                     "item DataOperationMode."));
+            EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { Read(tooFewComponents, twoComponents); }),
+                      QStringLiteral("DataOperationMode: Tried to append not completely defined or invalid "
+                                     "item GuiComponentSettings."));
+        } else {
+            EXPECT_EQ(MessageOf<BinaryParsingException>([&] { Read(tooFew, threeModes); }),
+                      LengthError("TorviGuiModeSettings"));
+            EXPECT_EQ(MessageOf<BinaryParsingException>([&] { Read(tooFewComponents, twoComponents); }),
+                      LengthError("DataOperationMode"));
+        }
+        ASSERT_EQ(tooFew.GetDataOperationMode().size(), 1);
+        EXPECT_TRUE(tooFew.GetDataOperationMode().at(0) == ExampleMode());
+        EXPECT_EQ(tooFewComponents.GetName(), QStringLiteral("M"));
+        ASSERT_EQ(tooFewComponents.GetGuiComponentSettings().size(), 1);
+        EXPECT_TRUE(tooFewComponents.GetGuiComponentSettings().at(0) == ExampleComponent());
+    }
 }
 
 TEST(BinaryRepresentation, StreamByteOrderIsUsed)
@@ -582,12 +609,79 @@ TEST(BinaryRepresentation, DevicesThatCannotBePatchedAreRefused)
         EXPECT_FALSE(object->GetBinary(toReadOnly, 1, true));
         EXPECT_EQ(toReadOnly.status(), QDataStream::WriteFailed);
 
-        QBuffer appending(&fixed);
+        EXPECT_EQ(fixed, Hex("0102"));
+    }
+
+    // A file opened for appending would put every patched length behind the
+    // frame, so it is refused; a buffer opened for appending only starts at
+    // its end, and the frame follows what it holds.
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QFile appendingFile(dir.filePath(QStringLiteral("appending.bin")));
+    ASSERT_TRUE(appendingFile.open(QIODevice::WriteOnly));
+    ASSERT_EQ(appendingFile.write(Hex("0102")), 2);
+    appendingFile.close();
+    ASSERT_TRUE(appendingFile.open(QIODevice::WriteOnly | QIODevice::Append));
+    QDataStream toAppendingFile(&appendingFile);
+    EXPECT_FALSE(component.GetBinary(toAppendingFile, int(GuiComponentSettings::id), true));
+    EXPECT_EQ(toAppendingFile.status(), QDataStream::WriteFailed);
+    appendingFile.close();
+    ASSERT_TRUE(appendingFile.open(QIODevice::ReadOnly));
+    EXPECT_EQ(appendingFile.readAll(), Hex("0102"));
+
+    // Each written with the component's class id as its id, so the
+    // component gives exactly the 72 bytes of the example.
+    const QByteArray id = Hex("AA600C15");
+    const QVector<std::pair<const IRGObject*, QByteArray>> frames = {
+        {&root, id + kRoot.mid(4)}, {&mode, id + kMode}, {&component, kComponent}};
+    for (const auto& [object, frame] : frames) {
+        SCOPED_TRACE(object->GetObjectName().toStdString());
+        QByteArray held = Hex("0102");
+        QBuffer appending(&held);
         ASSERT_TRUE(appending.open(QIODevice::WriteOnly | QIODevice::Append));
         QDataStream toAppending(&appending);
-        EXPECT_FALSE(object->GetBinary(toAppending, 1, true));
-        EXPECT_EQ(toAppending.status(), QDataStream::WriteFailed);
-        EXPECT_EQ(fixed, Hex("0102"));
+        EXPECT_TRUE(object->GetBinary(toAppending, int(GuiComponentSettings::id), true));
+        EXPECT_EQ(toAppending.status(), QDataStream::Ok);
+        EXPECT_EQ(held, Hex("0102") + frame);
+    }
+
+    // The write prologue comes first: the check of an incomplete object in
+    // validation mode fails on any device, and flag and logger reach the
+    // elements even when the device is then refused.
+    GuiComponentSettings incomplete;
+    incomplete.SetName(QStringLiteral("A"));
+    incomplete.SetValidate(true);
+    QByteArray fixed = Hex("0102");
+    QBuffer readOnly(&fixed);
+    ASSERT_TRUE(readOnly.open(QIODevice::ReadOnly));
+    QDataStream toReadOnly(&readOnly);
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { incomplete.GetBinary(toReadOnly, 1, true); }),
+              QStringLiteral("GuiComponentSettings: Please set GuiComponentUsage properly."));
+    EXPECT_EQ(toReadOnly.status(), QDataStream::Ok);
+    QDataStream deviceless;
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { incomplete.GetBinary(deviceless, 1, true); }),
+              QStringLiteral("GuiComponentSettings: Please set GuiComponentUsage properly."));
+    incomplete.SetValidate(false);
+    EXPECT_FALSE(incomplete.GetBinary(toReadOnly, 1, true));
+    EXPECT_EQ(toReadOnly.status(), QDataStream::WriteFailed);
+    EXPECT_EQ(fixed, Hex("0102"));
+
+    // An appended element keeps the flag of the object it was copied from
+    // and no logger until the parent hands both down.
+    TorviGuiModeSettings parent = ExampleRoot();
+    const auto logger = std::make_shared<REPORTGENERATOR::Logger>();
+    parent.SetLogger(logger);
+    DataOperationMode strictMode = ExampleMode();
+    strictMode.SetValidate(true);
+    parent.AppendDataOperationMode(strictMode);
+    ASSERT_TRUE(parent.GetDataOperationMode().at(1).GetValidate());
+    ASSERT_NE(parent.GetDataOperationMode().at(1).GetLogger(), logger);
+    QDataStream refused;
+    EXPECT_FALSE(parent.GetBinary(refused, 1, true));
+    for (const DataOperationMode& element : parent.GetDataOperationMode()) {
+        EXPECT_FALSE(element.GetValidate());
+        EXPECT_EQ(element.GetLogger(), logger);
+        EXPECT_EQ(element.GetGuiComponentSettings().at(0).GetLogger(), logger);
     }
 
     SequentialSink sink;
@@ -668,6 +762,141 @@ TEST(BinaryRepresentation, DirectAndStreamReadingAgree)
     EXPECT_EQ(whole.message, QString());
     EXPECT_EQ(whole.position, 145);
     EXPECT_EQ(whole.status, int(QDataStream::Ok));
+}
+
+// One read of member records from a stream handed in with a given status,
+// from a plain buffer or through the stream.
+template <typename T>
+struct StatusRead
+{
+    T object;
+    QString message;
+    qint64 position = 0;
+    QDataStream::Status status = QDataStream::Ok;
+};
+
+template <typename T>
+StatusRead<T> ReadWithStatus(const QByteArray& records, int length, bool validate, QDataStream::Status preset,
+                             bool direct)
+{
+    QBuffer plain;
+    ThroughTheStream derived;
+    QBuffer& device = direct ? plain : derived;
+    device.setData(records);
+    device.open(QIODevice::ReadOnly);
+    QDataStream stream(&device);
+    stream.setStatus(preset);
+    StatusRead<T> read;
+    read.object.SetValidate(validate);
+    try {
+        read.object.SetBinary(stream, length);
+        read.message = kNothingThrown;
+    } catch (const BinaryParsingException& e) {
+        read.message = QStringLiteral("BinaryParsingException: ") + e.GetMessageText();
+    } catch (const IncompleteDefinitionException& e) {
+        read.message = QStringLiteral("IncompleteDefinitionException: ") + e.GetMessageText();
+    } catch (const OutOfRangeException& e) {
+        read.message = QStringLiteral("OutOfRangeException: ") + e.GetMessageText();
+    }
+    read.position = device.pos();
+    read.status = stream.status();
+    return read;
+}
+
+// The readers never look at the stream's status: handed in as
+// ReadCorruptData, a stream gives the same object, the same position and
+// the same failure as with Ok, and short reads give what they give. A status
+// that was bad from the start stays as it was.
+TEST(BinaryRepresentation, ReadStatusIsNotConsulted)
+{
+    for (const bool direct : {true, false}) {
+        SCOPED_TRACE(direct ? "plain buffer" : "through the stream");
+        for (const bool validate : {false, true}) {
+            SCOPED_TRACE(validate);
+            // The 64 bytes of member records of the example component.
+            const auto okComponent =
+                ReadWithStatus<GuiComponentSettings>(kComponent.mid(8), 64, validate, QDataStream::Ok, direct);
+            const auto badComponent = ReadWithStatus<GuiComponentSettings>(kComponent.mid(8), 64, validate,
+                                                                           QDataStream::ReadCorruptData, direct);
+            for (const auto* read : {&okComponent, &badComponent}) {
+                EXPECT_EQ(read->message, kNothingThrown);
+                EXPECT_EQ(read->position, 64);
+                EXPECT_TRUE(read->object == ExampleComponent());
+                EXPECT_EQ(read->object.GetName(), QStringLiteral("A"));
+                EXPECT_EQ(read->object.GetGuiComponentUsage(), GuiComponentSettings::AVAILABLE);
+                EXPECT_EQ(read->object.GetDockWidgetLocation(), GuiComponentSettings::LeftDockWidgetArea);
+            }
+            EXPECT_EQ(okComponent.status, QDataStream::Ok);
+            EXPECT_EQ(badComponent.status, QDataStream::ReadCorruptData);
+
+            // The whole tree with its lists, and a record that is skipped.
+            const QByteArray rootRecords = kRoot.mid(8) + Record(0x12345678, Hex("010203"));
+            for (const QDataStream::Status preset : {QDataStream::Ok, QDataStream::ReadCorruptData}) {
+                const auto root = ReadWithStatus<TorviGuiModeSettings>(rootRecords, 156, validate, preset, direct);
+                EXPECT_EQ(root.message, kNothingThrown);
+                EXPECT_EQ(root.position, 156);
+                EXPECT_EQ(root.status, preset);
+                EXPECT_TRUE(root.object == ExampleRoot());
+            }
+        }
+
+        // Short reads: of the last record's payload (an unknown name), of a
+        // byte count (0, so an empty text), and of list elements beyond the
+        // end. With status Ok they leave ReadPastEnd behind, otherwise the
+        // status stays as it was; everything else is alike.
+        const QByteArray cutLocation = kComponent.mid(8, 52);
+        const QByteArray cutCount = Record(kNameId, Text("A")) + Int(kUsageId) + Int(13);
+        const QByteArray cutName = Record(kUsageId, Text("AVAILABLE")) + Int(kNameId) + Int(7) + Int(3) + "x";
+        for (const QDataStream::Status preset : {QDataStream::Ok, QDataStream::ReadCorruptData}) {
+            SCOPED_TRACE(int(preset));
+            const QDataStream::Status after = preset == QDataStream::Ok ? QDataStream::ReadPastEnd : preset;
+
+            const auto location = ReadWithStatus<GuiComponentSettings>(cutLocation, 64, false, preset, direct);
+            EXPECT_EQ(location.message, kNothingThrown);
+            EXPECT_EQ(location.position, 52);
+            EXPECT_EQ(location.status, after);
+            EXPECT_EQ(location.object.GetGuiComponentUsage(), GuiComponentSettings::AVAILABLE);
+            EXPECT_TRUE(location.object.IsDockWidgetLocationSet());
+            EXPECT_EQ(location.object.GetDockWidgetLocation(), Location(-1));
+
+            const auto count = ReadWithStatus<GuiComponentSettings>(cutCount, 34, false, preset, direct);
+            EXPECT_EQ(count.message, kNothingThrown);
+            EXPECT_EQ(count.position, 21);
+            EXPECT_EQ(count.status, after);
+            EXPECT_EQ(count.object.GetName(), QStringLiteral("A"));
+            EXPECT_TRUE(count.object.IsGuiComponentUsageSet());
+            EXPECT_EQ(count.object.GetGuiComponentUsage(), Usage(-1));
+            const auto strictCount = ReadWithStatus<GuiComponentSettings>(cutCount, 34, true, preset, direct);
+            EXPECT_EQ(strictCount.message, QStringLiteral("OutOfRangeException: ") + kUsageInvalid);
+            EXPECT_EQ(strictCount.status, after);
+
+            const auto name = ReadWithStatus<DataOperationMode>(cutName, 36, false, preset, direct);
+            EXPECT_EQ(name.message, kNothingThrown);
+            EXPECT_EQ(name.position, 34);
+            EXPECT_EQ(name.status, after);
+            EXPECT_TRUE(name.object.IsNameSet());
+            EXPECT_FALSE(name.object.GetName().isNull());
+            EXPECT_EQ(name.object.GetName(), QStringLiteral(""));
+
+            const QByteArray threeModes = Record(kModeListId, Int(3) + kMode);
+            const auto lax =
+                ReadWithStatus<TorviGuiModeSettings>(threeModes, threeModes.size(), false, preset, direct);
+            EXPECT_EQ(lax.message, QStringLiteral("BinaryParsingException: ") + LengthError("TorviGuiModeSettings"));
+            EXPECT_EQ(lax.position, threeModes.size());
+            EXPECT_EQ(lax.status, preset);
+            ASSERT_EQ(lax.object.GetDataOperationMode().size(), 1);
+            EXPECT_TRUE(lax.object.GetDataOperationMode().at(0) == ExampleMode());
+            const auto strict =
+                ReadWithStatus<TorviGuiModeSettings>(threeModes, threeModes.size(), true, preset, direct);
+            EXPECT_EQ(strict.message, QStringLiteral("IncompleteDefinitionException: TorviGuiModeSettings: Tried to "
+                                                     "append not completely defined or invalid item "
+                                                     "DataOperationMode."));
+            EXPECT_EQ(strict.position, threeModes.size());
+            EXPECT_EQ(strict.status, after);
+            ASSERT_EQ(strict.object.GetDataOperationMode().size(), 1);
+            EXPECT_TRUE(strict.object.GetDataOperationMode().at(0) == ExampleMode());
+        }
+    }
 }
 
 #include "binary_representation_test.moc"

@@ -121,19 +121,25 @@ QByteArray Bytes(const TorviGuiModeSettings& root)
 
 } // namespace
 
-TEST(HostileBinary, ElementCount7FFFFFFFEndsInALengthErrorWithABoundedReservation)
+TEST(HostileBinary, ElementCount7FFFFFFFEndsAtTheStreamsEndWithABoundedReservation)
 {
     // One real mode, then the stream ends although 0x7FFFFFFF were
-    // announced and the record length claims room for all of them.
+    // announced and the record length claims room for all of them. The
+    // next element reads nothing: in validation mode its append is refused,
+    // outside it the root ends with its length error instead of appending
+    // empty elements.
     const QByteArray records = Int(kModeListId) + Int(0x7FFFFFFF) + Int(0x7FFFFFFF) + ModeFrame("M");
     const QByteArray plain = Document(records);
     ASSERT_EQ(plain.size(), 37);
+    const QString refusedMode = QStringLiteral(
+        "TorviGuiModeSettings: Tried to append not completely defined or invalid item DataOperationMode.");
     for (const bool validate : {false, true}) {
         SCOPED_TRACE(validate);
+        const Outcome expected = Throws(validate ? refusedMode : LengthError("TorviGuiModeSettings"));
         for (const QByteArray& input : {plain, qCompress(plain)}) {
             TorviGuiModeSettings root;
             root.SetValidate(validate);
-            EXPECT_EQ(ReadArray(root, input), Throws(LengthError("TorviGuiModeSettings")));
+            EXPECT_EQ(ReadArray(root, input), expected);
             ASSERT_EQ(root.GetDataOperationMode().size(), 1);
             EXPECT_EQ(root.GetDataOperationMode().at(0).GetName(), QStringLiteral("M"));
             // Room was made for what the 17 bytes behind the count can
@@ -143,18 +149,25 @@ TEST(HostileBinary, ElementCount7FFFFFFFEndsInALengthErrorWithABoundedReservatio
         }
         TorviGuiModeSettings fromStream;
         fromStream.SetValidate(validate);
-        EXPECT_EQ(ReadStream(fromStream, plain), Throws(LengthError("TorviGuiModeSettings")));
+        EXPECT_EQ(ReadStream(fromStream, plain), expected);
         EXPECT_EQ(fromStream.GetDataOperationMode().size(), 1);
     }
 
-    // The same count one level down: the mode's own length error leaves
-    // the mode unappended.
+    // The same count one level down: the mode's failure leaves the mode
+    // unappended.
     const QByteArray nested = Document(Record(
         kModeListId, Int(1) + Frame(Record(kNameId, Text("M")) + Int(kComponentListId) + Int(0x7FFFFFFF)
                                     + Int(0x7FFFFFFF) + ComponentFrame("C"))));
-    TorviGuiModeSettings root;
-    EXPECT_EQ(ReadArray(root, nested), Throws(LengthError("DataOperationMode")));
-    EXPECT_TRUE(root.GetDataOperationMode().isEmpty());
+    for (const bool validate : {false, true}) {
+        SCOPED_TRACE(validate);
+        TorviGuiModeSettings root;
+        root.SetValidate(validate);
+        EXPECT_EQ(ReadArray(root, nested),
+                  Throws(validate ? QStringLiteral("DataOperationMode: Tried to append not completely defined or "
+                                                   "invalid item GuiComponentSettings.")
+                                  : LengthError("DataOperationMode")));
+        EXPECT_TRUE(root.GetDataOperationMode().isEmpty());
+    }
 }
 
 TEST(HostileBinary, ByteCountsNear4GiBCostOnlyWhatArrives)
