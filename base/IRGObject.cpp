@@ -191,15 +191,31 @@ const QString& IRGObject::GetObjectName() const
 
 void IRGObject::ProcessXml(QXmlStreamReader& reader)
 {
-    // Every round reads at least one token, so the walk ends at the latest
-    // when the reader reaches the end of its input or reports an error.
+    // depth counts the elements opened inside the object's element and not
+    // yet closed: a start tag at depth 0 is a direct child, an end tag at
+    // depth 0 the object's own. Every round reads at least one token, so the
+    // walk ends at the latest when the reader reaches the end of its input
+    // or reports an error.
+    qint64 depth = 0;
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
+            if (depth > 0) {
+                ++depth;
+                break;
+            }
+            // The child normally consumes itself up to its end tag; a skip
+            // that stopped inside it reports how many elements it left open.
+            m_openXmlElements = 0;
             ProcessXmlStartElement(reader);
+            depth = m_openXmlElements;
+            m_openXmlElements = 0;
             break;
         case QXmlStreamReader::EndElement:
-            return;
+            if (depth == 0)
+                return;
+            --depth;
+            break;
         default:
             break;
         }
@@ -378,6 +394,30 @@ void IRGObject::SetObjectName(const QString& name)
 void IRGObject::ProcessXmlStartElement(QXmlStreamReader& reader)
 {
     reader.skipCurrentElement();
+}
+
+void IRGObject::SkipXmlElement(QXmlStreamReader& reader)
+{
+    const QString name = reader.name().toString();
+    // The skipped element itself is open; every start and end tag passed,
+    // the one reading stops on included, changes the count.
+    qint64 open = 1;
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement:
+            ++open;
+            break;
+        case QXmlStreamReader::EndElement:
+            --open;
+            break;
+        default:
+            break;
+        }
+        // Tokens without a name (text, comments) never match.
+        if (reader.name() == name)
+            break;
+    }
+    m_openXmlElements = open;
 }
 
 QString IRGObject::GetTextValue(QXmlStreamReader& reader)

@@ -99,9 +99,12 @@ public:
     virtual ObjectTypes GetObjectType() const;
     virtual const QString& GetObjectName() const;
     /// Walks the content of the object's element: entered with the reader on
-    /// the start element, calls ProcessXmlStartElement for each child element
-    /// and returns at the object's end element, at the end of the document or
-    /// when the reader reports an error.
+    /// the start element, calls ProcessXmlStartElement for each direct child
+    /// element and returns at the object's own end element, at the end of the
+    /// document or when the reader reports an error. The walk counts the
+    /// elements opened and closed inside the object (without recursion), so
+    /// the content of an element that ProcessXmlStartElement left open (see
+    /// SkipXmlElement) is passed over rather than taken for children.
     virtual void ProcessXml(QXmlStreamReader& reader);
     /// An XML declaration followed by the object's element, unindented.
     virtual QString GetXmlString() const;
@@ -143,7 +146,18 @@ protected:
 
     /// Returns the text of a simple element, untrimmed, and leaves the reader
     /// on the element's end element. Text inside nested elements is ignored.
+    /// When the document ends or the reader reports an error first, returns
+    /// the text read up to there.
     QString GetTextValue(QXmlStreamReader& reader);
+
+    /// Passes over a child element that the class does not know, entered on
+    /// its start element: reads on until the end of the input or the next
+    /// token that bears the element's name. That is the element's own end
+    /// tag unless a descendant of the same name comes first; reading then
+    /// stops on the descendant's start tag with elements still open, and the
+    /// number of those is recorded for ProcessXml, which goes on from there
+    /// and still returns at the object's own end tag.
+    void SkipXmlElement(QXmlStreamReader& reader);
 
     qint64 m_classId = 0;
 
@@ -155,6 +169,9 @@ private:
     ObjectTypes m_objectType = UndefinedObject;
     mutable bool m_validate = false;
     mutable std::shared_ptr<Logger> m_logger;
+    // Elements that the last SkipXmlElement left open; read and cleared by
+    // the walk of ProcessXml after each ProcessXmlStartElement.
+    qint64 m_openXmlElements = 0;
 };
 
 } // namespace REPORTGENERATOR

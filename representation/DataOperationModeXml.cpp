@@ -46,9 +46,9 @@ void DataOperationMode::ProcessXmlStartElement(QXmlStreamReader& reader)
     if (name == work.GetObjectName())
         Xml::ReadChild(*this, work, reader, [this](GuiComponentSettings& read) { AppendRead(std::move(read)); });
     else if (name == QLatin1String("Name"))
-        Xml::ApplyText(reader, GetTextValue(reader), [this](QString text) { SetName(Xml::NameText(std::move(text))); });
+        SetName(Xml::NameText(GetTextValue(reader)));
     else
-        Xml::SkipUnknown(reader);
+        SkipXmlElement(reader);
 }
 
 } // namespace TORVIXML

@@ -42,15 +42,13 @@ void GuiComponentSettings::ProcessXmlStartElement(QXmlStreamReader& reader)
     const auto name = reader.name();
     InitData();
     if (name == QLatin1String("GuiComponentUsage"))
-        Xml::ApplyText(reader, GetTextValue(reader),
-                       [this](const QString& text) { SetGuiComponentUsage(NameToGuiComponentUsage(text)); });
+        SetGuiComponentUsage(NameToGuiComponentUsage(GetTextValue(reader)));
     else if (name == QLatin1String("DockWidgetLocation"))
-        Xml::ApplyText(reader, GetTextValue(reader),
-                       [this](const QString& text) { SetDockWidgetLocation(NameToDockWidgetLocation(text)); });
+        SetDockWidgetLocation(NameToDockWidgetLocation(GetTextValue(reader)));
     else if (name == QLatin1String("Name"))
-        Xml::ApplyText(reader, GetTextValue(reader), [this](QString text) { SetName(Xml::NameText(std::move(text))); });
+        SetName(Xml::NameText(GetTextValue(reader)));
     else
-        Xml::SkipUnknown(reader);
+        SkipXmlElement(reader);
 }
 
 } // namespace TORVIXML

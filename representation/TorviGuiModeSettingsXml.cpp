@@ -45,10 +45,9 @@ void TorviGuiModeSettings::ProcessXmlStartElement(QXmlStreamReader& reader)
     if (name == work.GetObjectName())
         Xml::ReadChild(*this, work, reader, [this](DataOperationMode& read) { AppendRead(std::move(read)); });
     else if (name == QLatin1String("OperationModeHandler"))
-        Xml::ApplyText(reader, GetTextValue(reader),
-                       [this](const QString& text) { SetOperationModeHandler(NameToOperationModeHandler(text)); });
+        SetOperationModeHandler(NameToOperationModeHandler(GetTextValue(reader)));
     else
-        Xml::SkipUnknown(reader);
+        SkipXmlElement(reader);
 }
 
 } // namespace TORVIXML

@@ -14,26 +14,9 @@
 namespace TORVIXML {
 namespace Xml {
 
-/// Passes over an element the reading class does not know: reads on until
-/// the end of the input or the next token that bears the element's name,
-/// which is its own end tag unless a descendant of the same name comes
-/// first (the walk then goes on from that descendant's start tag).
-void SkipUnknown(QXmlStreamReader& reader);
-
 /// A name given as a child element: an empty text is a value (an empty,
 /// non-null string), never "no value".
 QString NameText(QString text);
-
-/// Hands the text of a simple child element to apply(), unless the reader
-/// met an error inside the element: a document that breaks off there (or
-/// whose entity expansion was stopped) is refused as a whole, and the text
-/// read up to the break is not taken for a value.
-template <typename Apply>
-void ApplyText(const QXmlStreamReader& reader, QString text, Apply&& apply)
-{
-    if (!reader.hasError())
-        apply(std::move(text));
-}
 
 /// Marks the start and end of the walk over a parent's content, so that the
 /// re-application of flag and logger at each child can skip the elements
@@ -57,7 +40,11 @@ private:
 
 /// A child object: the parent's work element forgets the previous child,
 /// takes the parent's flag and logger, reads itself from the reader (still on
-/// the child's start tag) and is handed to append() once it is complete.
+/// the child's start tag) and is handed to append() when its ProcessXml
+/// returns. That happens also when the document breaks off inside the child:
+/// what was read of it is appended like any other child (in validation mode
+/// the append refuses it if it lacks data), and the whole-document operation
+/// reports the broken document afterwards.
 template <typename T, typename AppendElement>
 void ReadChild(const REPORTGENERATOR::IRGObject& parent, T& work, QXmlStreamReader& reader,
                AppendElement&& append)
@@ -66,9 +53,7 @@ void ReadChild(const REPORTGENERATOR::IRGObject& parent, T& work, QXmlStreamRead
     work.SetValidate(parent.GetValidate());
     work.SetLogger(parent.GetLogger());
     work.ProcessXml(reader);
-    // A child cut short by an error of the document is not appended.
-    if (!reader.hasError())
-        append(work);
+    append(work);
 }
 
 } // namespace Xml

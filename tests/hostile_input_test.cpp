@@ -417,19 +417,21 @@ TEST(HostileXml, EntityBombStopsAtTheReadersExpansionLimit)
 {
     // 10^9 copies of "QLS" if it were expanded. The stream reader refuses
     // an entity that expands to more than 4096 characters, which ends the
-    // document as malformed; the text read up to there is not taken for a
-    // value, with validation on or off.
+    // document as malformed. The element's text read up to there is no name
+    // of the table: stored as the invalid value without validation, refused
+    // with it.
     const QString bomb = Bomb(9);
     TorviGuiModeSettings lax;
     EXPECT_EQ(ReadXml(lax, bomb), kFalse);
     ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
     EXPECT_EQ(lax.GetDataOperationMode().at(0).GetName(), QStringLiteral("vor"));
-    EXPECT_FALSE(lax.IsOperationModeHandlerSet());
-    EXPECT_EQ(int(lax.GetOperationModeHandler()), 0);
+    EXPECT_TRUE(lax.IsOperationModeHandlerSet());
+    EXPECT_EQ(int(lax.GetOperationModeHandler()), -1);
 
     TorviGuiModeSettings strict;
     strict.SetValidate(true);
-    EXPECT_EQ(ReadXml(strict, bomb), kFalse);
+    EXPECT_EQ(ReadXml(strict, bomb), Throws(kHandlerInvalid));
+    EXPECT_EQ(strict.GetDataOperationMode().size(), 1);
     EXPECT_FALSE(strict.IsOperationModeHandlerSet());
 
     // Below the limit (1000 x "QLS" = 3000 characters) entities expand as
@@ -448,6 +450,7 @@ TEST(HostileXml, EntityBombStopsAtTheReadersExpansionLimit)
     TorviGuiModeSettings loaded;
     EXPECT_FALSE(loaded.LoadXml(file.fileName()));
     EXPECT_EQ(loaded.GetDataOperationMode().size(), 1);
+    EXPECT_EQ(int(loaded.GetOperationModeHandler()), -1);
 }
 
 TEST(HostileXml, ExternalEntitiesAreNeverFetched)
@@ -544,11 +547,10 @@ TEST(HostileXml, HundredThousandLevelsOfNesting)
 
     // 100000 nested DataOperationMode elements. The root reads the first
     // as a mode; inside a mode the name is unknown, and skipping an unknown
-    // element stops at the next token of the same name, so the mode's walk
-    // hops two levels per child until it meets an end tag and returns. The
-    // root's walk then meets an end tag too and returns: one nameless mode,
-    // the handler behind the nesting is never reached, and the document is
-    // well-formed.
+    // element stops at the next token of the same name, the third level. The
+    // mode's walk passes over the rest of the nesting, counting start and end
+    // tags, and returns at the first level's end tag: one nameless mode
+    // without components, and the handler behind the nesting is read.
     QString modes = QStringLiteral("<TorviGuiModeSettings>");
     for (int i = 0; i < Levels; ++i)
         modes += QStringLiteral("<DataOperationMode>");
@@ -560,12 +562,40 @@ TEST(HostileXml, HundredThousandLevelsOfNesting)
     EXPECT_EQ(ReadXml(nested, modes), kTrue);
     ASSERT_EQ(nested.GetDataOperationMode().size(), 1);
     EXPECT_TRUE(nested.GetDataOperationMode().at(0).GetName().isNull());
-    EXPECT_FALSE(nested.IsOperationModeHandlerSet());
+    EXPECT_TRUE(nested.GetDataOperationMode().at(0).GetGuiComponentSettings().isEmpty());
+    EXPECT_TRUE(nested.IsOperationModeHandlerSet());
+    EXPECT_EQ(nested.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
     TorviGuiModeSettings nestedStrict;
     nestedStrict.SetValidate(true);
     EXPECT_EQ(ReadXml(nestedStrict, modes),
               Throws(QStringLiteral("TorviGuiModeSettings: Tried to append not completely defined or invalid item "
                                     "DataOperationMode.")));
+    EXPECT_TRUE(nestedStrict.GetDataOperationMode().isEmpty());
+    EXPECT_FALSE(nestedStrict.IsOperationModeHandlerSet());
+
+    // The same with GuiComponentSettings nested in a named mode: inside a
+    // component the name is unknown. The first level is appended, with the
+    // handler behind the nesting read; with validation the component,
+    // without data, is refused.
+    QString components = QStringLiteral("<TorviGuiModeSettings><DataOperationMode Name=\"M\">");
+    for (int i = 0; i < Levels; ++i)
+        components += QStringLiteral("<GuiComponentSettings>");
+    for (int i = 0; i < Levels; ++i)
+        components += QStringLiteral("</GuiComponentSettings>");
+    components += QStringLiteral("</DataOperationMode><OperationModeHandler>VbkManagementComponent"
+                                 "</OperationModeHandler></TorviGuiModeSettings>");
+    TorviGuiModeSettings nestedComponents;
+    EXPECT_EQ(ReadXml(nestedComponents, components), kTrue);
+    ASSERT_EQ(nestedComponents.GetDataOperationMode().size(), 1);
+    EXPECT_EQ(nestedComponents.GetDataOperationMode().at(0).GetName(), QStringLiteral("M"));
+    ASSERT_EQ(nestedComponents.GetDataOperationMode().at(0).GetGuiComponentSettings().size(), 1);
+    EXPECT_FALSE(nestedComponents.GetDataOperationMode().at(0).GetGuiComponentSettings().at(0).AnyData());
+    EXPECT_EQ(nestedComponents.GetOperationModeHandler(), TorviGuiModeSettings::VbkManagementComponent);
+    TorviGuiModeSettings componentsStrict;
+    componentsStrict.SetValidate(true);
+    EXPECT_EQ(ReadXml(componentsStrict, components),
+              Throws(QStringLiteral("DataOperationMode: Tried to append not completely defined or invalid item "
+                                    "GuiComponentSettings.")));
 }
 
 TEST(HostileXml, InvalidUtf8InAFileIsRefused)

@@ -13,6 +13,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
 #include <functional>
@@ -165,6 +166,64 @@ TEST(XmlRepresentation, UnknownElementsAndAttributesArePassedOver)
     ASSERT_TRUE(read.SetXmlString(document, false));
     EXPECT_TRUE(read == Example());
     EXPECT_EQ(WriteXml(read), kExample);
+}
+
+TEST(XmlRepresentation, UnknownElementWithASameNamedDescendantEndsAtItsOwnEndTag)
+{
+    // Skipping an unknown element stops on the start tag of a descendant of
+    // the same name. The rest of the unknown element is passed over (nothing
+    // in it is taken for a child of the object), and reading goes on behind
+    // the unknown element's own end tag, up to the object's own end tag.
+    const QStringList unknown = {
+        QStringLiteral("<Extra><Extra/></Extra>"),
+        QStringLiteral("<Extra><a><Extra/></a></Extra>"),
+        QStringLiteral("<Extra><Extra><Extra>t</Extra></Extra></Extra>"),
+        QStringLiteral("<Extra><Extra></Extra><Extra/><b><Extra/></b></Extra>"),
+        QStringLiteral("<Extra><Extra><GuiComponentUsage>DEFAULT_DISPLAY</GuiComponentUsage></Extra>"
+                       "<DockWidgetLocation>NoDockWidgetArea</DockWidgetLocation><Name>Wrong</Name></Extra>"),
+        QStringLiteral("<Extra><Extra/><OperationModeHandler>VbkManagementComponent</OperationModeHandler>"
+                       "<DataOperationMode Name=\"Ghost\"/><GuiComponentSettings Name=\"Ghost\"/></Extra>"),
+    };
+    TorviGuiModeSettings expected;
+    expected.SetOperationModeHandler(TorviGuiModeSettings::PMR830ManagementComponent);
+    expected.AppendDataOperationMode(Mode(
+        QStringLiteral("M"),
+        {Component(QStringLiteral("C"), GuiComponentSettings::AVAILABLE, GuiComponentSettings::TopDockWidgetArea)}));
+    for (const QString& extra : unknown) {
+        SCOPED_TRACE(extra.toStdString());
+        // At each level, before and after the members; the copy behind the
+        // members would overwrite them if its content were taken.
+        const QString document = QStringLiteral("<TorviGuiModeSettings>") + extra
+            + QStringLiteral("<DataOperationMode Name=\"M\">") + extra
+            + QStringLiteral("<GuiComponentSettings Name=\"C\">") + extra
+            + QStringLiteral("<GuiComponentUsage>AVAILABLE</GuiComponentUsage>"
+                             "<DockWidgetLocation>TopDockWidgetArea</DockWidgetLocation>")
+            + extra + QStringLiteral("</GuiComponentSettings>") + extra + QStringLiteral("</DataOperationMode>")
+            + extra + QStringLiteral("<OperationModeHandler>PMR830ManagementComponent</OperationModeHandler>")
+            + extra + QStringLiteral("</TorviGuiModeSettings>");
+        TorviGuiModeSettings read;
+        read.SetValidate(true);
+        ASSERT_TRUE(read.SetXmlString(document, false));
+        EXPECT_TRUE(read == expected);
+        EXPECT_EQ(WriteXml(read), WriteXml(expected));
+
+        // An object read inside a larger document leaves the reader on its
+        // own end tag, so that the caller goes on behind it.
+        QXmlStreamReader reader(QStringLiteral("<list><GuiComponentSettings Name=\"C\">") + extra
+                                + QStringLiteral("<GuiComponentUsage>AVAILABLE</GuiComponentUsage>"
+                                                 "</GuiComponentSettings><After/></list>"));
+        ASSERT_TRUE(reader.readNextStartElement());
+        ASSERT_TRUE(reader.readNextStartElement());
+        GuiComponentSettings component;
+        component.ProcessXml(reader);
+        EXPECT_TRUE(reader.isEndElement());
+        EXPECT_EQ(reader.name().toString(), QStringLiteral("GuiComponentSettings"));
+        EXPECT_EQ(component.GetName(), QStringLiteral("C"));
+        EXPECT_EQ(component.GetGuiComponentUsage(), GuiComponentSettings::AVAILABLE);
+        EXPECT_FALSE(component.IsDockWidgetLocationSet());
+        ASSERT_TRUE(reader.readNextStartElement());
+        EXPECT_EQ(reader.name().toString(), QStringLiteral("After"));
+    }
 }
 
 TEST(XmlRepresentation, UnknownEnumerationTextIsRefusedOrStoredAsInvalid)
@@ -484,31 +543,201 @@ TEST(XmlRepresentation, SetXmlStringRefusesBrokenDocuments)
     EXPECT_FALSE(untouched.SetXmlString(QStringLiteral("<DataOperationMode Name=\"Standard\"/>"), false));
     EXPECT_FALSE(untouched.AnyData());
 
-    // Every prefix of the document: never true, never a hang or a crash,
-    // and in validation mode no exception either: a text or a child that the
-    // document breaks off in is not taken, only complete ones are. What the
-    // prefix held completely is there, in order.
+    // Every prefix of the document: never true, never a hang or a crash.
+    // Outside validation mode nothing is refused by an exception. In
+    // validation mode the text or child that the document breaks off in may
+    // be refused by OutOfRangeException or IncompleteDefinitionException;
+    // a read that ends without one has read exactly what the lax read did.
     const QString declared = Example().GetXmlString();
     for (const QString& document : {kExample, declared}) {
         const int complete = document.trimmed().size();
         for (int length = 0; length < complete; ++length) {
             SCOPED_TRACE(length);
+            const QString prefix = document.left(length);
             TorviGuiModeSettings lax;
-            EXPECT_FALSE(lax.SetXmlString(document.left(length), false));
+            EXPECT_FALSE(lax.SetXmlString(prefix, false));
             TorviGuiModeSettings strict;
             strict.SetValidate(true);
-            EXPECT_FALSE(strict.SetXmlString(document.left(length), false));
-            const QString prefix = document.left(length);
-            EXPECT_EQ(strict.IsOperationModeHandlerSet(), prefix.contains(QStringLiteral("</OperationModeHandler>")));
-            const int modes = strict.GetDataOperationMode().size();
-            EXPECT_EQ(modes, prefix.count(QStringLiteral("</DataOperationMode>")));
-            if (modes == 1) {
-                EXPECT_EQ(strict.GetDataOperationMode().at(0).GetGuiComponentSettings().size(), 2);
+            bool thrown = false;
+            try {
+                EXPECT_FALSE(strict.SetXmlString(prefix, false));
+            } catch (const OutOfRangeException&) {
+                thrown = true;
+            } catch (const IncompleteDefinitionException&) {
+                thrown = true;
+            }
+            if (!thrown) {
+                EXPECT_TRUE(strict == lax);
+                EXPECT_EQ(strict.GetDataOperationMode().size(), lax.GetDataOperationMode().size());
             }
         }
         TorviGuiModeSettings full;
         EXPECT_TRUE(full.SetXmlString(document.left(complete), false));
     }
+}
+
+TEST(XmlRepresentation, DocumentBrokenOffKeepsWhatWasReadUpToTheBreak)
+{
+    // The reader hands out the characters before a break only once it has
+    // seen the next markup: a text cut at the end of the input reads as
+    // empty, one followed by a lone "<" as the characters read.
+    const auto at = [](const QString& marker, int extra = 0) {
+        const int index = kExample.indexOf(marker);
+        EXPECT_GE(index, 0) << marker.toStdString();
+        return kExample.left(index + marker.size() + extra);
+    };
+
+    // Inside the first component's usage text: the text is unknown. Lax:
+    // invalid value, set; the cut-off component and mode are appended all
+    // the same. Strict: the setter refuses the text.
+    for (const QString& prefix : {at(QStringLiteral(">DEFAULT_DIS")), at(QStringLiteral(">DEFAULT_DISPLAY"))}) {
+        SCOPED_TRACE(prefix.toStdString());
+        TorviGuiModeSettings lax;
+        EXPECT_FALSE(lax.SetXmlString(prefix, false));
+        ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
+        EXPECT_EQ(ModeAt(lax, 0).GetName(), QStringLiteral("Standard"));
+        ASSERT_EQ(ModeAt(lax, 0).GetGuiComponentSettings().size(), 1);
+        const GuiComponentSettings& cut = ComponentAt(ModeAt(lax, 0), 0);
+        EXPECT_EQ(cut.GetName(), QStringLiteral("Overview"));
+        EXPECT_TRUE(cut.IsGuiComponentUsageSet());
+        EXPECT_EQ(cut.GetGuiComponentUsage(), Usage(-1));
+        EXPECT_FALSE(cut.IsDockWidgetLocationSet());
+        EXPECT_FALSE(lax.IsOperationModeHandlerSet());
+
+        TorviGuiModeSettings strict;
+        strict.SetValidate(true);
+        EXPECT_EQ(MessageOf<OutOfRangeException>([&] { strict.SetXmlString(prefix, false); }), kUsageInvalid);
+        EXPECT_TRUE(strict.GetDataOperationMode().isEmpty());
+    }
+
+    // The whole usage text followed by a broken tag: the value is taken; the
+    // component lacks its location, which only validation mode refuses.
+    {
+        const QString prefix = at(QStringLiteral(">DEFAULT_DISPLAY"), 1);
+        ASSERT_TRUE(prefix.endsWith(QStringLiteral("DEFAULT_DISPLAY<")));
+        TorviGuiModeSettings lax;
+        EXPECT_FALSE(lax.SetXmlString(prefix, false));
+        ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
+        ASSERT_EQ(ModeAt(lax, 0).GetGuiComponentSettings().size(), 1);
+        EXPECT_EQ(ComponentAt(ModeAt(lax, 0), 0).GetGuiComponentUsage(), GuiComponentSettings::DEFAULT_DISPLAY);
+        EXPECT_TRUE(ComponentAt(ModeAt(lax, 0), 0).IsGuiComponentUsageSet());
+        EXPECT_FALSE(ComponentAt(ModeAt(lax, 0), 0).IsDockWidgetLocationSet());
+
+        TorviGuiModeSettings strict;
+        strict.SetValidate(true);
+        EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { strict.SetXmlString(prefix, false); }),
+                  QStringLiteral("DataOperationMode: Tried to append not completely defined or invalid item "
+                                 "GuiComponentSettings."));
+        EXPECT_TRUE(strict.GetDataOperationMode().isEmpty());
+    }
+
+    // Behind the mode's start tag, and behind the whole mode: a mode with a
+    // name is complete enough for both modes; a start tag still open is no
+    // element yet.
+    for (bool validate : {false, true}) {
+        SCOPED_TRACE(validate);
+        TorviGuiModeSettings open;
+        open.SetValidate(validate);
+        EXPECT_FALSE(open.SetXmlString(at(QStringLiteral("<DataOperationMode Name=\"Standard\"")), false));
+        EXPECT_TRUE(open.GetDataOperationMode().isEmpty());
+
+        TorviGuiModeSettings started;
+        started.SetValidate(validate);
+        EXPECT_FALSE(started.SetXmlString(at(QStringLiteral("<DataOperationMode Name=\"Standard\">")), false));
+        ASSERT_EQ(started.GetDataOperationMode().size(), 1);
+        EXPECT_TRUE(ModeAt(started, 0) == Mode(QStringLiteral("Standard")));
+
+        TorviGuiModeSettings allButTheEnd;
+        allButTheEnd.SetValidate(validate);
+        EXPECT_FALSE(allButTheEnd.SetXmlString(at(QStringLiteral("</OperationModeHandler>")), false));
+        EXPECT_TRUE(allButTheEnd == Example());
+    }
+
+    // Inside the handler's text, behind the complete mode.
+    {
+        const QString prefix = at(QStringLiteral("<OperationModeHandler>PMR830"));
+        TorviGuiModeSettings lax;
+        EXPECT_FALSE(lax.SetXmlString(prefix, false));
+        ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
+        EXPECT_TRUE(ModeAt(lax, 0) == StandardMode());
+        EXPECT_TRUE(lax.IsOperationModeHandlerSet());
+        EXPECT_EQ(lax.GetOperationModeHandler(), Handler(-1));
+
+        TorviGuiModeSettings strict;
+        strict.SetValidate(true);
+        EXPECT_EQ(MessageOf<OutOfRangeException>([&] { strict.SetXmlString(prefix, false); }), kHandlerInvalid);
+        ASSERT_EQ(strict.GetDataOperationMode().size(), 1);
+        EXPECT_TRUE(ModeAt(strict, 0) == StandardMode());
+        EXPECT_FALSE(strict.IsOperationModeHandlerSet());
+    }
+
+    // A mode, component and usage all cut off by the end of the input.
+    const QString nested = QStringLiteral(
+        "<TorviGuiModeSettings><DataOperationMode Name=\"X\"><GuiComponentSettings Name=\"C\">"
+        "<GuiComponentUsage>AVAILABLE</GuiComponentUsage>");
+    {
+        TorviGuiModeSettings lax;
+        EXPECT_FALSE(lax.SetXmlString(nested, false));
+        ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
+        EXPECT_EQ(ModeAt(lax, 0).GetName(), QStringLiteral("X"));
+        ASSERT_EQ(ModeAt(lax, 0).GetGuiComponentSettings().size(), 1);
+        EXPECT_EQ(ComponentAt(ModeAt(lax, 0), 0).GetName(), QStringLiteral("C"));
+        EXPECT_TRUE(ComponentAt(ModeAt(lax, 0), 0).IsGuiComponentUsageSet());
+        EXPECT_EQ(ComponentAt(ModeAt(lax, 0), 0).GetGuiComponentUsage(), GuiComponentSettings::AVAILABLE);
+
+        TorviGuiModeSettings strict;
+        strict.SetValidate(true);
+        EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { strict.SetXmlString(nested, false); }),
+                  QStringLiteral("DataOperationMode: Tried to append not completely defined or invalid item "
+                                 "GuiComponentSettings."));
+        EXPECT_TRUE(strict.GetDataOperationMode().isEmpty());
+    }
+
+    // An unknown handler text cut off, and a name text cut off (read as an
+    // empty, non-null name, which a mode accepts in either mode).
+    const QString bogus = QStringLiteral("<TorviGuiModeSettings><OperationModeHandler>Bogus");
+    TorviGuiModeSettings laxHandler;
+    EXPECT_FALSE(laxHandler.SetXmlString(bogus, false));
+    EXPECT_TRUE(laxHandler.IsOperationModeHandlerSet());
+    EXPECT_EQ(laxHandler.GetOperationModeHandler(), Handler(-1));
+    TorviGuiModeSettings strictHandler;
+    strictHandler.SetValidate(true);
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { strictHandler.SetXmlString(bogus, false); }), kHandlerInvalid);
+    EXPECT_FALSE(strictHandler.IsOperationModeHandlerSet());
+
+    for (bool validate : {false, true}) {
+        SCOPED_TRACE(validate);
+        TorviGuiModeSettings named;
+        named.SetValidate(validate);
+        EXPECT_FALSE(named.SetXmlString(QStringLiteral("<TorviGuiModeSettings><DataOperationMode><Name>Sta"), false));
+        ASSERT_EQ(named.GetDataOperationMode().size(), 1);
+        EXPECT_TRUE(ModeAt(named, 0).IsNameSet());
+        EXPECT_TRUE(ModeAt(named, 0).GetName().isEmpty());
+        EXPECT_FALSE(ModeAt(named, 0).GetName().isNull());
+
+        // The text in front of a broken tag is the name.
+        TorviGuiModeSettings brokenTag;
+        brokenTag.SetValidate(validate);
+        EXPECT_FALSE(brokenTag.SetXmlString(
+            QStringLiteral("<TorviGuiModeSettings><DataOperationMode><Name>Sta</Nome>"), false));
+        ASSERT_EQ(brokenTag.GetDataOperationMode().size(), 1);
+        EXPECT_EQ(ModeAt(brokenTag, 0).GetName(), QStringLiteral("Sta"));
+    }
+
+    // LoadXml from a file that breaks off: false, with what was read.
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QFile file(dir.filePath(QStringLiteral("cut.xml")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(nested.toUtf8());
+    file.close();
+    TorviGuiModeSettings loaded;
+    loaded.AppendDataOperationMode(Mode(QStringLiteral("Old")));
+    EXPECT_FALSE(loaded.LoadXml(file.fileName()));
+    ASSERT_EQ(loaded.GetDataOperationMode().size(), 1);
+    EXPECT_EQ(ModeAt(loaded, 0).GetName(), QStringLiteral("X"));
+    ASSERT_EQ(ModeAt(loaded, 0).GetGuiComponentSettings().size(), 1);
+    EXPECT_EQ(ComponentAt(ModeAt(loaded, 0), 0).GetGuiComponentUsage(), GuiComponentSettings::AVAILABLE);
 }
 
 TEST(XmlRepresentation, FilesRoundTrip)
