@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstring>
 #include <cstdlib>
+#include <string>
 
 namespace TorviFuzz {
 
@@ -187,32 +188,31 @@ inline TorviGuiModeSettings ReadOwnXml(const QString& xml)
     return object;
 }
 
-/// Binary fixed point: write what was read, read and write that again; the
-/// second writing must reproduce the first one's input byte for byte, and
-/// the two objects read from own documents must compare equal.
-inline void CheckBinaryFixedPoint(const TorviGuiModeSettings& object)
+/// Fixed point of one form: write what was read, read and write that again;
+/// the second writing must reproduce the first one's input byte for byte,
+/// and the two objects read from own documents must compare equal.
+template <typename Document, typename Write, typename Read, typename Show>
+void CheckFixedPoint(const TorviGuiModeSettings& object, const char* form, Write write, Read read, Show show)
 {
-    const QByteArray first = LooseBinary(object);
-    const TorviGuiModeSettings once = ReadOwnBinary(first);
-    const QByteArray second = LooseBinary(once);
-    const TorviGuiModeSettings twice = ReadOwnBinary(second);
-    const QByteArray third = LooseBinary(twice);
-    Require(second == third, "binary writing is not a fixed point after one round",
-            "second: " + second.toHex() + "\nthird:  " + third.toHex());
-    Require(once == twice, "objects read from equal binary documents differ");
+    const Document first = write(object);
+    const TorviGuiModeSettings once = read(first);
+    const Document second = write(once);
+    const TorviGuiModeSettings twice = read(second);
+    const Document third = write(twice);
+    Require(second == third, (std::string(form) + " writing is not a fixed point after one round").c_str(),
+            "second: " + show(second) + "\nthird:  " + show(third));
+    Require(once == twice, (std::string("objects read from equal ") + form + " documents differ").c_str());
 }
 
-/// XML fixed point, as for the binary form.
+inline void CheckBinaryFixedPoint(const TorviGuiModeSettings& object)
+{
+    CheckFixedPoint<QByteArray>(object, "binary", LooseBinary, ReadOwnBinary,
+                                [](const QByteArray& bytes) { return bytes.toHex(); });
+}
+
 inline void CheckXmlFixedPoint(const TorviGuiModeSettings& object)
 {
-    const QString first = LooseXml(object);
-    const TorviGuiModeSettings once = ReadOwnXml(first);
-    const QString second = LooseXml(once);
-    const TorviGuiModeSettings twice = ReadOwnXml(second);
-    const QString third = LooseXml(twice);
-    Require(second == third, "XML writing is not a fixed point after one round",
-            "second: " + second.toUtf8() + "\nthird:  " + third.toUtf8());
-    Require(once == twice, "objects read from equal XML documents differ");
+    CheckFixedPoint<QString>(object, "XML", LooseXml, ReadOwnXml, [](const QString& xml) { return xml.toUtf8(); });
 }
 
 /// An object that passes Check() must be writable in validation mode, and

@@ -12,6 +12,7 @@
 #include <QIODevice>
 #include <QString>
 
+#include <exception>
 #include <ostream>
 #include <string>
 
@@ -70,6 +71,45 @@ QString MessageOf(F&& operation)
     }
     return kNothingThrown;
 }
+
+// How handlers see an exception of the library that operation throws:
+// whether a handler for std::exception catches it, and the message that a
+// handler for ReportException (by reference) and one for RGException (by
+// value, which handlers may do as well) receive.
+struct Catches
+{
+    bool asStdException = false;
+    QString asReportException;
+    QString asRGExceptionByValue;
+};
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wcatch-value"
+#endif
+template <typename F>
+Catches CatchesOf(F&& operation)
+{
+    Catches caught;
+    try {
+        try {
+            operation();
+        } catch (const std::exception&) {
+            caught.asStdException = true;
+        }
+    } catch (const ReportException& e) {
+        caught.asReportException = e.GetMessageText();
+    }
+    try {
+        operation();
+    } catch (RGException e) {
+        caught.asRGExceptionByValue = e.GetMessageText();
+    }
+    return caught;
+}
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
 
 // Big-endian building blocks for hand-made binary input.
 inline QByteArray Int(qint32 value)

@@ -438,34 +438,13 @@ TEST(GuiComponentSettingsValidation, CheckReportsTheFirstIncompleteMember)
     }
 }
 
-// Handlers may catch the exceptions by value as well.
-#if defined(__GNUC__)
-#pragma GCC diagnostic ignored "-Wcatch-value"
-#endif
-
 TEST(GuiComponentSettingsValidation, FailuresAreReportExceptionsNotStdExceptions)
 {
     G s;
     s.SetValidate(true);
-    bool caughtAsStd = false;
-    QString viaReport;
-    try {
-        try {
-            s.SetName(QString());
-        } catch (const std::exception&) {
-            caughtAsStd = true;
-        }
-    } catch (const ReportException& e) {
-        viaReport = e.GetMessageText();
-    }
-    EXPECT_FALSE(caughtAsStd);
-    EXPECT_EQ(viaReport, NameMessage);
-
-    QString viaRG;
-    try {
-        s.SetDockWidgetLocation(G::DockWidgetLocation(9));
-    } catch (RGException e) {
-        viaRG = e.GetMessageText();
-    }
-    EXPECT_EQ(viaRG, DockMessage);
+    const Catches name = CatchesOf([&] { s.SetName(QString()); });
+    EXPECT_FALSE(name.asStdException);
+    EXPECT_EQ(name.asReportException, NameMessage);
+    EXPECT_EQ(CatchesOf([&] { s.SetDockWidgetLocation(G::DockWidgetLocation(9)); }).asRGExceptionByValue,
+              DockMessage);
 }

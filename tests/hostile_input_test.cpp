@@ -551,13 +551,13 @@ TEST(HostileXml, HundredThousandLevelsOfNesting)
     // mode's walk passes over the rest of the nesting, counting start and end
     // tags, and returns at the first level's end tag: one nameless mode
     // without components, and the handler behind the nesting is read.
-    QString modes = QStringLiteral("<TorviGuiModeSettings>");
-    for (int i = 0; i < Levels; ++i)
-        modes += QStringLiteral("<DataOperationMode>");
-    for (int i = 0; i < Levels; ++i)
-        modes += QStringLiteral("</DataOperationMode>");
-    modes += QStringLiteral("<OperationModeHandler>QLSManagementComponent</OperationModeHandler>"
-                            "</TorviGuiModeSettings>");
+    // Levels elements of one name, each inside the one before.
+    const auto nest = [](const QString& name) -> QString {
+        return QStringLiteral("<%1>").arg(name).repeated(Levels) + QStringLiteral("</%1>").arg(name).repeated(Levels);
+    };
+    const QString modes = QStringLiteral("<TorviGuiModeSettings>") + nest(QStringLiteral("DataOperationMode"))
+        + QStringLiteral("<OperationModeHandler>QLSManagementComponent</OperationModeHandler>"
+                         "</TorviGuiModeSettings>");
     TorviGuiModeSettings nested;
     EXPECT_EQ(ReadXml(nested, modes), kTrue);
     ASSERT_EQ(nested.GetDataOperationMode().size(), 1);
@@ -577,13 +577,10 @@ TEST(HostileXml, HundredThousandLevelsOfNesting)
     // component the name is unknown. The first level is appended, with the
     // handler behind the nesting read; with validation the component,
     // without data, is refused.
-    QString components = QStringLiteral("<TorviGuiModeSettings><DataOperationMode Name=\"M\">");
-    for (int i = 0; i < Levels; ++i)
-        components += QStringLiteral("<GuiComponentSettings>");
-    for (int i = 0; i < Levels; ++i)
-        components += QStringLiteral("</GuiComponentSettings>");
-    components += QStringLiteral("</DataOperationMode><OperationModeHandler>VbkManagementComponent"
-                                 "</OperationModeHandler></TorviGuiModeSettings>");
+    const QString components = QStringLiteral("<TorviGuiModeSettings><DataOperationMode Name=\"M\">")
+        + nest(QStringLiteral("GuiComponentSettings"))
+        + QStringLiteral("</DataOperationMode><OperationModeHandler>VbkManagementComponent"
+                         "</OperationModeHandler></TorviGuiModeSettings>");
     TorviGuiModeSettings nestedComponents;
     EXPECT_EQ(ReadXml(nestedComponents, components), kTrue);
     ASSERT_EQ(nestedComponents.GetDataOperationMode().size(), 1);

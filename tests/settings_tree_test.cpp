@@ -706,11 +706,6 @@ TEST(TorviGuiModeSettingsHandler, AccessorsDefaultsConversionsAndFailures)
     EXPECT_EQ(Outline(withDefault), "7{}");
 }
 
-// Handlers may catch the exceptions by value as well.
-#if defined(__GNUC__)
-#pragma GCC diagnostic ignored "-Wcatch-value"
-#endif
-
 TEST(SettingsTreeIdentity, ClassIdsNamesTypesAndExceptionClasses)
 {
     EXPECT_EQ(M::id, -447125075);
@@ -733,26 +728,10 @@ TEST(SettingsTreeIdentity, ClassIdsNamesTypesAndExceptionClasses)
     M incomplete;
     R validated;
     validated.SetValidate(true);
-    bool caughtAsStd = false;
-    QString viaReport;
-    try {
-        try {
-            validated.AppendDataOperationMode(incomplete);
-        } catch (const std::exception&) {
-            caughtAsStd = true;
-        }
-    } catch (const ReportException& e) {
-        viaReport = e.GetMessageText();
-    }
-    EXPECT_FALSE(caughtAsStd);
-    EXPECT_EQ(viaReport, AppendModeMessage);
-    QString viaRG;
-    try {
-        validated.AppendDataOperationMode(incomplete);
-    } catch (RGException e) {
-        viaRG = e.GetMessageText();
-    }
-    EXPECT_EQ(viaRG, AppendModeMessage);
+    const Catches append = CatchesOf([&] { validated.AppendDataOperationMode(incomplete); });
+    EXPECT_FALSE(append.asStdException);
+    EXPECT_EQ(append.asReportException, AppendModeMessage);
+    EXPECT_EQ(append.asRGExceptionByValue, AppendModeMessage);
     EXPECT_FALSE(validated.IsDataOperationModeSet());
 }
 
