@@ -1,5 +1,5 @@
-#ifndef REPORTGENERATOR_IRGOBJECT_H
-#define REPORTGENERATOR_IRGOBJECT_H
+#ifndef TORVIXML_IRGOBJECT_H
+#define TORVIXML_IRGOBJECT_H
 
 #include "rgbase_export.h"
 

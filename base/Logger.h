@@ -1,5 +1,5 @@
-#ifndef REPORTGENERATOR_LOGGER_H
-#define REPORTGENERATOR_LOGGER_H
+#ifndef TORVIXML_LOGGER_H
+#define TORVIXML_LOGGER_H
 
 #include "rgbase_export.h"
 

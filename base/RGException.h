@@ -1,5 +1,5 @@
-#ifndef RGEXCEPTION_H
-#define RGEXCEPTION_H
+#ifndef TORVIXML_RGEXCEPTION_H
+#define TORVIXML_RGEXCEPTION_H
 
 #include "ReportException.h"
 

@@ -1,5 +1,5 @@
-#ifndef REPORTEXCEPTION_H
-#define REPORTEXCEPTION_H
+#ifndef TORVIXML_REPORTEXCEPTION_H
+#define TORVIXML_REPORTEXCEPTION_H
 
 #include "rgbase_export.h"
 
