@@ -2,9 +2,12 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLocale>
 #include <QTranslator>
+
+#include <dlfcn.h>
 
 // Lifetimes
 // ---------
@@ -34,6 +37,22 @@ QString SystemLanguage()
 {
     // "de_DE" -> "de"; "C" stays "C" (for which no catalogue exists).
     return QLocale::system().name().section(QLatin1Char('_'), 0, 0);
+}
+
+// The installed catalogues lie at a fixed place relative to the directory
+// this library was loaded from (lib/ -> share/TorviXML/translations), so
+// they are found wherever the package was installed or moved to, and in the
+// build tree, which has the same layout.
+QString InstalledCatalogueDirectory()
+{
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&InstalledCatalogueDirectory), &info) == 0 || !info.dli_fname)
+        return QString();
+    const QString library = QFileInfo(QFile::decodeName(info.dli_fname)).canonicalFilePath();
+    if (library.isEmpty())
+        return QString();
+    return QDir::cleanPath(QFileInfo(library).absolutePath() + QLatin1Char('/')
+                           + QStringLiteral(TORVIXML_TRANSLATIONS_FROM_LIBDIR));
 }
 
 // The language itself first, then, for "de_AT" or "de-AT", the bare language.
@@ -144,7 +163,9 @@ QStringList TranslationCenter::SearchDirectories() const
         directories.append(QDir::cleanPath(fromEnvironment));
     if (QCoreApplication::instance())
         directories.append(QCoreApplication::applicationDirPath() + QStringLiteral("/translations"));
-    directories.append(QStringLiteral(TORVIXML_INSTALLED_TRANSLATIONS_DIR));
+    const QString installed = InstalledCatalogueDirectory();
+    if (!installed.isEmpty())
+        directories.append(installed);
     return directories;
 }
 

@@ -1,6 +1,7 @@
 #include "IRGObject.h"
 
 #include "Compression.h"
+#include "torvixml_version.h"
 
 #include <QBuffer>
 #include <QByteArray>
@@ -362,7 +363,7 @@ void IRGObject::ResetLogger() const
 
 const QString& IRGObject::GetVersion() const
 {
-    static const QString version = QStringLiteral("1.0.0");
+    static const QString version = QStringLiteral(TORVIXML_VERSION_STRING);
     return version;
 }
 

@@ -51,7 +51,7 @@ int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("torvixml"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(TORVIXML_TOOL_VERSION));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TORVIXML_VERSION_STRING));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QString::fromUtf8(description));

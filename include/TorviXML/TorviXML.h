@@ -2,10 +2,10 @@
 #define TORVIXML_TORVIXML_H
 
 // Every public type of TorviXML: the report-object base (IRGObject, Logger,
-// ObjectTypes, the exceptions) and the three settings classes.
+// ObjectTypes, the exceptions), the three settings classes and the
+// library's version (TORVIXML_VERSION_STRING).
 
 #include "BinaryParsingException.h"
-#include "Compression.h"
 #include "IRGObject.h"
 #include "IncompleteDefinitionException.h"
 #include "Logger.h"
@@ -17,5 +17,7 @@
 #include "DataOperationMode.h"
 #include "GuiComponentSettings.h"
 #include "TorviGuiModeSettings.h"
+
+#include "torvixml_version.h"
 
 #endif

@@ -1,19 +1,28 @@
-# cmake -P script behind the consumer_find_package test; see CMakeLists.txt.
+# cmake -P script behind the consumer test; see CMakeLists.txt.
+#
+# Installs the build tree (and, when given, a second build tree of the other
+# Qt) into one fresh prefix outside the build tree, then does what a user
+# does with the README: builds an application with find_package and with
+# pkg-config, runs it and the installed tool with a clean environment (no
+# library path, no catalogue directory), and compares what they print.
 cmake_minimum_required(VERSION 3.16)
 
-foreach(var BUILD_TREE WORK_ROOT PROJECT_SOURCE LIBDIR GENERATOR)
+foreach(var BUILD_TREE PROJECT_SOURCE EXPECTED EXPECTED_NAMES LIBDIR BINDIR GENERATOR PACKAGE TOOL CXX_COMPILER)
   if(NOT DEFINED ${var} OR "${${var}}" STREQUAL "")
     message(FATAL_ERROR "RunConsumer.cmake: ${var} not given")
   endif()
 endforeach()
 
-# A directory of its own for every run, so that runs never see each other's
-# leftovers. It is removed after a successful run and kept after a failure.
-string(TIMESTAMP stamp "%Y%m%d%H%M%S")
-string(RANDOM LENGTH 8 ALPHABET "0123456789abcdefghijklmnopqrstuvwxyz" suffix)
-set(run_dir "${WORK_ROOT}/run-${stamp}-${suffix}")
+# A directory of its own for every run, outside the build tree, removed after
+# a successful run and kept after a failure.
+if(DEFINED ENV{TMPDIR} AND IS_DIRECTORY "$ENV{TMPDIR}")
+  set(work_root "$ENV{TMPDIR}")
+else()
+  set(work_root "/tmp")
+endif()
+string(RANDOM LENGTH 10 ALPHABET "0123456789abcdefghijklmnopqrstuvwxyz" suffix)
+set(run_dir "${work_root}/torvixml-consumer-${suffix}")
 set(prefix "${run_dir}/prefix")
-set(consumer_build "${run_dir}/build")
 file(MAKE_DIRECTORY "${run_dir}")
 
 function(run_step what)
@@ -24,89 +33,71 @@ function(run_step what)
   endif()
 endfunction()
 
+# Runs a program as a user would start it: none of the variables that could
+# lead it to the libraries or the catalogue, and the C locale, so that only
+# SetLanguage decides the language.
+function(run_clean what expected)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env
+      --unset=LD_LIBRARY_PATH --unset=TORVI_TRANSLATIONS_DIR --unset=LANGUAGE
+      LC_ALL=C.UTF-8 LANG=C.UTF-8 ${ARGN}
+    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0 OR NOT out STREQUAL expected)
+    message(FATAL_ERROR "${what} printed (exit code ${rc}):\n[${out}]\nexpected:\n[${expected}]\n"
+                        "stderr:\n${err}\nfiles kept in ${run_dir}")
+  endif()
+endfunction()
+
 set(config_args)
 if(CONFIG)
   set(config_args --config ${CONFIG})
 endif()
-run_step("Installing ${BUILD_TREE}"
-  ${CMAKE_COMMAND} --install "${BUILD_TREE}" --prefix "${prefix}" ${config_args})
+foreach(tree IN ITEMS "${BUILD_TREE}" ${ALSO_INSTALL})
+  run_step("Installing ${tree}" ${CMAKE_COMMAND} --install "${tree}" --prefix "${prefix}" ${config_args})
+endforeach()
 
-set(configure_args -S "${PROJECT_SOURCE}" -B "${consumer_build}" -G "${GENERATOR}"
-  "-DCMAKE_PREFIX_PATH=${prefix}" -DCMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON)
-if(CXX_COMPILER)
-  list(APPEND configure_args "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}")
-endif()
-if(CONFIG)
-  list(APPEND configure_args "-DCMAKE_BUILD_TYPE=${CONFIG}")
-endif()
-if(QT_PACKAGE AND QT_PACKAGE_DIR)
-  list(APPEND configure_args "-D${QT_PACKAGE}_DIR=${QT_PACKAGE_DIR}")
-endif()
-run_step("Configuring the consumer project" ${CMAKE_COMMAND} ${configure_args})
+file(READ "${EXPECTED}" expected)
+file(READ "${EXPECTED_NAMES}" EXPECTED_NAMES)
 
+# 1. With CMake.
+set(consumer_build "${run_dir}/build")
+run_step("Configuring the consumer project"
+  ${CMAKE_COMMAND} -S "${PROJECT_SOURCE}" -B "${consumer_build}" -G "${GENERATOR}"
+    "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}" "-DCMAKE_PREFIX_PATH=${prefix}"
+    -DCMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON "-DTORVIXML_PACKAGE=${PACKAGE}")
 # The package must come from the fresh prefix, not from anywhere else.
-file(STRINGS "${consumer_build}/CMakeCache.txt" found_dir REGEX "^TorviXML_DIR:")
-string(REGEX REPLACE "^TorviXML_DIR:[A-Z]*=" "" found_dir "${found_dir}")
-file(REAL_PATH "${prefix}" real_prefix)
-file(REAL_PATH "${found_dir}" real_found_dir)
-string(FIND "${real_found_dir}/" "${real_prefix}/" at)
+file(STRINGS "${consumer_build}/CMakeCache.txt" found_dir REGEX "^${PACKAGE}_DIR:")
+string(REGEX REPLACE "^${PACKAGE}_DIR:[A-Z]*=" "" found_dir "${found_dir}")
+string(FIND "${found_dir}/" "${prefix}/" at)
 if(NOT at EQUAL 0)
-  message(FATAL_ERROR "TorviXML was found in ${found_dir}, not in ${prefix}")
+  message(FATAL_ERROR "${PACKAGE} was found in ${found_dir}, not in ${prefix}")
 endif()
+run_step("Building the consumer project" ${CMAKE_COMMAND} --build "${consumer_build}")
+run_clean("The consumer built with CMake" "${expected}" "${consumer_build}/torvixml_consumer")
 
-run_step("Building the consumer project" ${CMAKE_COMMAND} --build "${consumer_build}" ${config_args})
+# 2. With pkg-config, as the README shows it: the library's module and the
+# start-up library's, and a run path to the prefix's library directory.
+find_program(PKG_CONFIG_EXECUTABLE pkg-config REQUIRED)
+set(pc_env ${CMAKE_COMMAND} -E env "PKG_CONFIG_PATH=${prefix}/${LIBDIR}/pkgconfig")
+execute_process(COMMAND ${pc_env} ${PKG_CONFIG_EXECUTABLE} --cflags --libs ${PACKAGE} TorviXMLAppStartup${SUFFIX}
+  RESULT_VARIABLE rc OUTPUT_VARIABLE pc_flags ERROR_VARIABLE pc_err OUTPUT_STRIP_TRAILING_WHITESPACE)
+execute_process(COMMAND ${pc_env} ${PKG_CONFIG_EXECUTABLE} --variable=libdir ${PACKAGE}
+  OUTPUT_VARIABLE pc_libdir OUTPUT_STRIP_TRAILING_WHITESPACE)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "pkg-config does not know ${PACKAGE}: ${pc_err}; files kept in ${run_dir}")
+endif()
+# Plain paths, nothing beyond include and library flags.
+if(NOT pc_libdir STREQUAL "${prefix}/${LIBDIR}" OR pc_flags MATCHES "\\.\\./|-fPIC|-Wl")
+  message(FATAL_ERROR "pkg-config gives libdir [${pc_libdir}] and flags [${pc_flags}]")
+endif()
+separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
+set(pc_program "${run_dir}/torvixml_consumer_pc")
+run_step("Building the consumer through pkg-config"
+  ${CXX_COMPILER} -std=c++17 -fPIC "${PROJECT_SOURCE}/main.cpp" -o "${pc_program}" ${pc_flags}
+    "-Wl,-rpath,${pc_libdir}")
+run_clean("The consumer built with pkg-config" "${expected}" "${pc_program}")
 
-set(program "${consumer_build}/torvixml_consumer")
-if(NOT EXISTS "${program}")
-  file(GLOB_RECURSE program "${consumer_build}/torvixml_consumer" "${consumer_build}/torvixml_consumer.exe")
-endif()
-if(NOT program)
-  message(FATAL_ERROR "The consumer program was not built; files kept in ${run_dir}")
-endif()
-
-# The installed libraries carry no run path of their own.
-set(library_path "${prefix}/${LIBDIR}")
-if(DEFINED ENV{LD_LIBRARY_PATH} AND NOT "$ENV{LD_LIBRARY_PATH}" STREQUAL "")
-  string(APPEND library_path ":$ENV{LD_LIBRARY_PATH}")
-endif()
-execute_process(COMMAND ${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${library_path}" ${program}
-  RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
-set(expected
-  "GuiComponentSettings -1436546027\n"
-  "Navigator|DEFAULT_DISPLAY|FloatingDockWidgetArea |complete\n"
-  "refused: enum is not valid (classname=GuiComponentSettings,membername=m_dockWidgetLocation)\n")
-string(CONCAT expected ${expected})
-if(NOT rc EQUAL 0 OR NOT out STREQUAL expected)
-  message(FATAL_ERROR "The consumer program printed (exit code ${rc}):\n[${out}]\nexpected:\n[${expected}]\n"
-                      "stderr:\n${err}\nfiles kept in ${run_dir}")
-endif()
-
-# The same program built through pkg-config instead of CMake.
-find_program(PKG_CONFIG_EXECUTABLE pkg-config)
-if(PKG_CONFIG_EXECUTABLE AND CXX_COMPILER)
-  set(pc_path "${prefix}/${LIBDIR}/pkgconfig")
-  if(DEFINED ENV{PKG_CONFIG_PATH} AND NOT "$ENV{PKG_CONFIG_PATH}" STREQUAL "")
-    string(APPEND pc_path ":$ENV{PKG_CONFIG_PATH}")
-  endif()
-  execute_process(COMMAND ${CMAKE_COMMAND} -E env "PKG_CONFIG_PATH=${pc_path}"
-      ${PKG_CONFIG_EXECUTABLE} --cflags --libs TorviXML
-    RESULT_VARIABLE rc OUTPUT_VARIABLE pc_flags ERROR_VARIABLE pc_err OUTPUT_STRIP_TRAILING_WHITESPACE)
-  if(NOT rc EQUAL 0)
-    message(FATAL_ERROR "pkg-config does not know TorviXML: ${pc_err}; files kept in ${run_dir}")
-  endif()
-  separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
-  set(pc_program "${run_dir}/torvixml_consumer_pc")
-  run_step("Building the consumer through pkg-config"
-    ${CXX_COMPILER} -std=c++17 "${PROJECT_SOURCE}/main.cpp" -o "${pc_program}" ${pc_flags})
-  execute_process(COMMAND ${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${library_path}" ${pc_program}
-    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT rc EQUAL 0 OR NOT out STREQUAL expected)
-    message(FATAL_ERROR "The pkg-config build printed (exit code ${rc}):\n[${out}]\nexpected:\n[${expected}]\n"
-                        "stderr:\n${err}\nfiles kept in ${run_dir}")
-  endif()
-else()
-  message(FATAL_ERROR "pkg-config or the compiler is missing; the package is checked through both")
-endif()
+# 3. The installed tool finds the installed catalogue on its own.
+run_clean("${TOOL} names --lang de" "${EXPECTED_NAMES}" "${prefix}/${BINDIR}/${TOOL}" names --lang de)
 
 file(REMOVE_RECURSE "${run_dir}")
-message(STATUS "Consumer check passed (find_package and pkg-config)")
+message(STATUS "Consumer check of ${PACKAGE} passed (find_package, pkg-config, ${TOOL})")

@@ -1,7 +1,7 @@
 // The display lists of the three enumerations with the library's own German
 // catalogue, which the library registers with the translation service when it
-// is loaded. CTest points TORVI_TRANSLATIONS_DIR at the build tree's compiled
-// catalogues.
+// is loaded. The service finds the catalogue relative to the library, in the
+// build tree as when installed.
 
 #include "GuiComponentSettings.h"
 #include "TorviGuiModeSettings.h"

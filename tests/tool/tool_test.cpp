@@ -28,7 +28,6 @@ ToolRun runTool(const QStringList& arguments, const QString& workingDirectory = 
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     environment.insert(QStringLiteral("LANG"), QStringLiteral("C.UTF-8"));
     environment.remove(QStringLiteral("LANGUAGE"));
-    environment.insert(QStringLiteral("TORVI_TRANSLATIONS_DIR"), QStringLiteral(TORVIXML_TEST_TRANSLATIONS_DIR));
     process.setProcessEnvironment(environment);
     if (!workingDirectory.isEmpty())
         process.setWorkingDirectory(workingDirectory);

@@ -60,7 +60,9 @@ public:
     // The directories searched for catalogues, in search order: the directory
     // named by the environment variable TORVI_TRANSLATIONS_DIR (if set and not
     // empty), "translations" beside the application executable (only while an
-    // application object exists) and the installed translations directory.
+    // application object exists) and the installed translations directory,
+    // share/TorviXML/translations (share/TorviXMLQt6/... for Qt 6) of the
+    // prefix this library was loaded from.
     QStringList SearchDirectories() const;
 
     // The translator currently installed for a module, or nullptr when the
