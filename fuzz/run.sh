@@ -24,22 +24,13 @@ case "$WHICH" in
 esac
 
 # clang with its runtimes (libFuzzer, sanitizers), besides the packages of
-# the normal build (scripts/setup.sh).
-missing=()
-for p in clang libclang-rt-dev; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ] && command -v apt-get >/dev/null; then
-  SUDO=""
-  [ "$(id -u)" -ne 0 ] && SUDO="sudo"
-  $SUDO apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq "${missing[@]}" >/dev/null
-fi
+# the normal build.
+bash scripts/install-packages.sh clang libclang-rt-dev
 
 if [ ! -f "$BUILD_DIR/CMakeCache.txt" ]; then
   CC=clang CXX=clang++ cmake -S . -B "$BUILD_DIR" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DTORVIXML_BUILD_FUZZERS=ON -DTORVIXML_SANITIZE=ON \
-    -DTORVIXML_BUILD_TESTS=OFF -DTORVIXML_BUILD_TOOLS=OFF -DTORVIXML_BUILD_EXAMPLES=OFF >/dev/null
+    -DBUILD_TESTING=OFF -DTORVIXML_BUILD_TOOLS=OFF -DTORVIXML_BUILD_EXAMPLES=OFF >/dev/null
 fi
 cmake --build "$BUILD_DIR" -j"$(nproc)" --target $(printf 'fuzz_%s ' "${FUZZERS[@]}") >/dev/null
 

@@ -1,21 +1,18 @@
 #!/usr/bin/env bash
 # Installs what the project needs from Debian's packages (when missing) and
-# builds it into ${BUILD_DIR:-build}. Extra CMake arguments are passed on.
+# builds it into ${BUILD_DIR:-build}. Extra CMake arguments are passed on;
+# with -DTORVIXML_QT_MAJOR=6 the Qt 6 packages are installed and used.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-packages=(build-essential cmake pkg-config qtbase5-dev qttools5-dev-tools zlib1g-dev
-          libgtest-dev libgmock-dev)
-missing=()
-for p in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+qt=5
+for arg in "$@"; do
+  case "$arg" in
+    -DTORVIXML_QT_MAJOR=6 | -DTORVIXML_QT_MAJOR:STRING=6) qt=6 ;;
+    -DTORVIXML_QT_MAJOR=5 | -DTORVIXML_QT_MAJOR:STRING=5) qt=5 ;;
+  esac
 done
-if [ ${#missing[@]} -gt 0 ]; then
-  SUDO=""
-  [ "$(id -u)" -ne 0 ] && SUDO="sudo"
-  $SUDO apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq "${missing[@]}"
-fi
+bash scripts/install-packages.sh --qt "$qt"
 
 BUILD_DIR=${BUILD_DIR:-build}
 cmake -S . -B "$BUILD_DIR" -DCMAKE_BUILD_TYPE=${BUILD_TYPE:-RelWithDebInfo} "$@"

@@ -7,20 +7,12 @@
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
-# The packages of the normal build (scripts/setup.sh) bring gcc with its
-# sanitizer runtimes; install them if this stage runs on its own.
-if ! command -v g++ >/dev/null || ! command -v cmake >/dev/null; then
-  SUDO=""
-  [ "$(id -u)" -ne 0 ] && SUDO="sudo"
-  $SUDO apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq build-essential cmake pkg-config \
-    qtbase5-dev qttools5-dev-tools zlib1g-dev libgtest-dev libgmock-dev >/dev/null
-fi
+bash scripts/install-packages.sh
 
 BUILD=${SANITIZE_BUILD_DIR:-build-sanitize}
 start=$(date +%s)
 cmake -S . -B "$BUILD" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTORVIXML_SANITIZE=ON \
-  -DTORVIXML_BUILD_TESTS=ON -DTORVIXML_BUILD_TOOLS=OFF -DTORVIXML_BUILD_EXAMPLES=OFF \
+  -DBUILD_TESTING=ON -DTORVIXML_BUILD_TOOLS=OFF -DTORVIXML_BUILD_EXAMPLES=OFF \
   -DTORVIXML_BUILD_BENCHMARKS=OFF -DTORVIXML_BUILD_FUZZERS=OFF >/dev/null
 cmake --build "$BUILD" -j"$(nproc)" >/dev/null
 built=$(date +%s)

@@ -58,46 +58,61 @@ endforeach()
 file(READ "${EXPECTED}" expected)
 file(READ "${EXPECTED_NAMES}" EXPECTED_NAMES)
 
-# 1. With CMake.
-set(consumer_build "${run_dir}/build")
-run_step("Configuring the consumer project"
-  ${CMAKE_COMMAND} -S "${PROJECT_SOURCE}" -B "${consumer_build}" -G "${GENERATOR}"
-    "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}" "-DCMAKE_PREFIX_PATH=${prefix}"
-    -DCMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON "-DTORVIXML_PACKAGE=${PACKAGE}")
-# The package must come from the fresh prefix, not from anywhere else.
-file(STRINGS "${consumer_build}/CMakeCache.txt" found_dir REGEX "^${PACKAGE}_DIR:")
-string(REGEX REPLACE "^${PACKAGE}_DIR:[A-Z]*=" "" found_dir "${found_dir}")
-string(FIND "${found_dir}/" "${prefix}/" at)
-if(NOT at EQUAL 0)
-  message(FATAL_ERROR "${PACKAGE} was found in ${found_dir}, not in ${prefix}")
-endif()
-run_step("Building the consumer project" ${CMAKE_COMMAND} --build "${consumer_build}")
-run_clean("The consumer built with CMake" "${expected}" "${consumer_build}/torvixml_consumer")
+# The checks for one installed build: its CMake package and pkg-config
+# modules (named with the Qt suffix) and its tool.
+function(check_package package suffix tool)
+  # 1. With CMake.
+  set(consumer_build "${run_dir}/build-${package}")
+  run_step("Configuring the consumer project"
+    ${CMAKE_COMMAND} -S "${PROJECT_SOURCE}" -B "${consumer_build}" -G "${GENERATOR}"
+      "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}" "-DCMAKE_PREFIX_PATH=${prefix}"
+      -DCMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON "-DTORVIXML_PACKAGE=${package}")
+  # The package must come from the fresh prefix, not from anywhere else.
+  file(STRINGS "${consumer_build}/CMakeCache.txt" found_dir REGEX "^${package}_DIR:")
+  string(REGEX REPLACE "^${package}_DIR:[A-Z]*=" "" found_dir "${found_dir}")
+  string(FIND "${found_dir}/" "${prefix}/" at)
+  if(NOT at EQUAL 0)
+    message(FATAL_ERROR "${package} was found in ${found_dir}, not in ${prefix}")
+  endif()
+  run_step("Building the consumer project" ${CMAKE_COMMAND} --build "${consumer_build}")
+  run_clean("The consumer built with CMake" "${expected}" "${consumer_build}/torvixml_consumer")
 
-# 2. With pkg-config, as the README shows it: the library's module and the
-# start-up library's, and a run path to the prefix's library directory.
-find_program(PKG_CONFIG_EXECUTABLE pkg-config REQUIRED)
-set(pc_env ${CMAKE_COMMAND} -E env "PKG_CONFIG_PATH=${prefix}/${LIBDIR}/pkgconfig")
-execute_process(COMMAND ${pc_env} ${PKG_CONFIG_EXECUTABLE} --cflags --libs ${PACKAGE} TorviXMLAppStartup${SUFFIX}
-  RESULT_VARIABLE rc OUTPUT_VARIABLE pc_flags ERROR_VARIABLE pc_err OUTPUT_STRIP_TRAILING_WHITESPACE)
-execute_process(COMMAND ${pc_env} ${PKG_CONFIG_EXECUTABLE} --variable=libdir ${PACKAGE}
-  OUTPUT_VARIABLE pc_libdir OUTPUT_STRIP_TRAILING_WHITESPACE)
-if(NOT rc EQUAL 0)
-  message(FATAL_ERROR "pkg-config does not know ${PACKAGE}: ${pc_err}; files kept in ${run_dir}")
-endif()
-# Plain paths, nothing beyond include and library flags.
-if(NOT pc_libdir STREQUAL "${prefix}/${LIBDIR}" OR pc_flags MATCHES "\\.\\./|-fPIC|-Wl")
-  message(FATAL_ERROR "pkg-config gives libdir [${pc_libdir}] and flags [${pc_flags}]")
-endif()
-separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
-set(pc_program "${run_dir}/torvixml_consumer_pc")
-run_step("Building the consumer through pkg-config"
-  ${CXX_COMPILER} -std=c++17 -fPIC "${PROJECT_SOURCE}/main.cpp" -o "${pc_program}" ${pc_flags}
-    "-Wl,-rpath,${pc_libdir}")
-run_clean("The consumer built with pkg-config" "${expected}" "${pc_program}")
+  # 2. With pkg-config, as the README shows it: the library's module and the
+  # start-up library's, and a run path to the prefix's library directory.
+  find_program(PKG_CONFIG_EXECUTABLE pkg-config REQUIRED)
+  set(pc_env ${CMAKE_COMMAND} -E env "PKG_CONFIG_PATH=${prefix}/${LIBDIR}/pkgconfig")
+  execute_process(COMMAND ${pc_env} ${PKG_CONFIG_EXECUTABLE} --cflags --libs ${package} TorviXMLAppStartup${suffix}
+    RESULT_VARIABLE rc OUTPUT_VARIABLE pc_flags ERROR_VARIABLE pc_err OUTPUT_STRIP_TRAILING_WHITESPACE)
+  execute_process(COMMAND ${pc_env} ${PKG_CONFIG_EXECUTABLE} --variable=libdir ${package}
+    OUTPUT_VARIABLE pc_libdir OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "pkg-config does not know ${package}: ${pc_err}; files kept in ${run_dir}")
+  endif()
+  # Plain paths, nothing beyond include and library flags.
+  if(NOT pc_libdir STREQUAL "${prefix}/${LIBDIR}" OR pc_flags MATCHES "\\.\\./|-fPIC|-Wl")
+    message(FATAL_ERROR "pkg-config gives libdir [${pc_libdir}] and flags [${pc_flags}]")
+  endif()
+  separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
+  set(pc_program "${run_dir}/torvixml_consumer_pc-${package}")
+  run_step("Building the consumer through pkg-config"
+    ${CXX_COMPILER} -std=c++17 -fPIC "${PROJECT_SOURCE}/main.cpp" -o "${pc_program}" ${pc_flags}
+      "-Wl,-rpath,${pc_libdir}")
+  run_clean("The consumer built with pkg-config" "${expected}" "${pc_program}")
 
-# 3. The installed tool finds the installed catalogue on its own.
-run_clean("${TOOL} names --lang de" "${EXPECTED_NAMES}" "${prefix}/${BINDIR}/${TOOL}" names --lang de)
+  # 3. The installed tool finds the installed catalogue on its own.
+  run_clean("${tool} names --lang de" "${EXPECTED_NAMES}" "${prefix}/${BINDIR}/${tool}" names --lang de)
+  message(STATUS "Consumer check of ${package} passed (find_package, pkg-config, ${tool})")
+endfunction()
+
+check_package(${PACKAGE} "${SUFFIX}" ${TOOL})
+# The other Qt's build, installed into the same prefix, still works too.
+foreach(tree IN LISTS ALSO_INSTALL)
+  file(STRINGS "${tree}/CMakeCache.txt" qt_major REGEX "^TORVIXML_QT_MAJOR:")
+  if(qt_major MATCHES "=6$")
+    check_package(TorviXMLQt6 Qt6 torvixml-qt6)
+  else()
+    check_package(TorviXML "" torvixml)
+  endif()
+endforeach()
 
 file(REMOVE_RECURSE "${run_dir}")
-message(STATUS "Consumer check of ${PACKAGE} passed (find_package, pkg-config, ${TOOL})")
