@@ -14,7 +14,7 @@ while [ $# -gt 0 ]; do
   esac
 done
 
-packages=(build-essential cmake pkg-config extra-cmake-modules zlib1g-dev libgtest-dev libgmock-dev)
+packages=(build-essential cmake pkg-config extra-cmake-modules zlib1g-dev libgtest-dev libgmock-dev libxml2-utils)
 case "$qt" in
   5) packages+=(qtbase5-dev qttools5-dev-tools) ;;
   6) packages+=(qt6-base-dev qt6-l10n-tools) ;;
