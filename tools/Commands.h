@@ -4,7 +4,10 @@
 // The commands of torvixml. Each gets the arguments that follow its name and
 // returns the process's exit code (see ExitCode in ToolSupport.h).
 
+#include <QCoreApplication>
 #include <QStringList>
+
+#include <memory>
 
 namespace TorviTool {
 
@@ -13,6 +16,11 @@ int runConvert(const QStringList& arguments);
 int runCheck(const QStringList& arguments);
 int runDump(const QStringList& arguments);
 int runNames(const QStringList& arguments);
+int runPreview(const QStringList& arguments);
+
+/// The application object the command in argv[1] needs: a QGuiApplication
+/// for the preview, a QCoreApplication otherwise.
+std::unique_ptr<QCoreApplication> createApplication(int& argc, char** argv);
 
 /// Switches the translation service to the language (when not empty) and
 /// warns on standard error when no TorviXML catalogue for it was found.

@@ -26,6 +26,8 @@ const char* const description =
     "  check FILE...     Read documents with validation on and check them.\n"
     "  dump FILE         Annotated walk over a binary document.\n"
     "  names             List the enumeration values with names and display names.\n"
+    "  preview FILE MODE -o PNG\n"
+    "                    Draw the main window of a mode as an image.\n"
     "\n"
     "'torvixml COMMAND --help' describes a command's options.\n"
     "Exit status: 0 success, 1 invalid input, 2 usage or I/O error.";
@@ -42,6 +44,8 @@ int runCommand(const QString& command, const QStringList& arguments)
         return runDump(arguments);
     if (command == QLatin1String("names"))
         return runNames(arguments);
+    if (command == QLatin1String("preview"))
+        return runPreview(arguments);
     return usageError(QString(), QStringLiteral("unknown command \"%1\"").arg(command));
 }
 
@@ -49,7 +53,7 @@ int runCommand(const QString& command, const QStringList& arguments)
 
 int main(int argc, char* argv[])
 {
-    QCoreApplication app(argc, argv);
+    const std::unique_ptr<QCoreApplication> app = createApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("torvixml"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TORVIXML_VERSION_STRING));
 
