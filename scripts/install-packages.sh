@@ -14,7 +14,9 @@ while [ $# -gt 0 ]; do
   esac
 done
 
-packages=(build-essential cmake pkg-config extra-cmake-modules zlib1g-dev libgtest-dev libgmock-dev libxml2-utils)
+# fonts-dejavu-core: the font the preview draws with and the GUI tests render
+# with on the offscreen platform.
+packages=(build-essential cmake pkg-config extra-cmake-modules zlib1g-dev libgtest-dev libgmock-dev libxml2-utils fonts-dejavu-core)
 case "$qt" in
   5) packages+=(qtbase5-dev qttools5-dev-tools) ;;
   6) packages+=(qt6-base-dev qt6-l10n-tools) ;;

@@ -38,7 +38,7 @@ endfunction()
 # SetLanguage decides the language.
 function(run_clean what expected)
   execute_process(COMMAND ${CMAKE_COMMAND} -E env
-      --unset=LD_LIBRARY_PATH --unset=TORVI_TRANSLATIONS_DIR --unset=LANGUAGE
+      --unset=LD_LIBRARY_PATH --unset=TORVI_TRANSLATIONS_DIR --unset=LANGUAGE --unset=QT_QPA_PLATFORM
       LC_ALL=C.UTF-8 LANG=C.UTF-8 ${ARGN}
     RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
   if(NOT rc EQUAL 0 OR NOT out STREQUAL expected)
@@ -57,6 +57,14 @@ endforeach()
 
 file(READ "${EXPECTED}" expected)
 file(READ "${EXPECTED_NAMES}" EXPECTED_NAMES)
+# The GUI parts: the item model's library and module, the preview command
+# and torvixml-editor.
+if(WITH_GUI)
+  file(READ "${EXPECTED_MODEL}" EXPECTED_MODEL)
+  # The README's example document is the first line the consumer prints.
+  string(REGEX MATCH "^[^\n]*" readme_example "${expected}")
+  file(WRITE "${run_dir}/readme.xml" "${readme_example}")
+endif()
 
 # The checks for one installed build: its CMake package and pkg-config
 # modules (named with the Qt suffix) and its tool.
@@ -76,6 +84,9 @@ function(check_package package suffix tool)
   endif()
   run_step("Building the consumer project" ${CMAKE_COMMAND} --build "${consumer_build}")
   run_clean("The consumer built with CMake" "${expected}" "${consumer_build}/torvixml_consumer")
+  if(WITH_GUI)
+    run_clean("The model consumer built with CMake" "${EXPECTED_MODEL}" "${consumer_build}/torvixml_consumer_model")
+  endif()
 
   # 2. With pkg-config, as the README shows it: the library's module and the
   # start-up library's, and a run path to the prefix's library directory.
@@ -98,9 +109,35 @@ function(check_package package suffix tool)
     ${CXX_COMPILER} -std=c++17 -fPIC "${PROJECT_SOURCE}/main.cpp" -o "${pc_program}" ${pc_flags}
       "-Wl,-rpath,${pc_libdir}")
   run_clean("The consumer built with pkg-config" "${expected}" "${pc_program}")
+  if(WITH_GUI)
+    execute_process(COMMAND ${pc_env} ${PKG_CONFIG_EXECUTABLE} --cflags --libs TorviXMLModel${suffix}
+        TorviXMLAppStartup${suffix}
+      RESULT_VARIABLE rc OUTPUT_VARIABLE pc_model_flags ERROR_VARIABLE pc_err OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT rc EQUAL 0)
+      message(FATAL_ERROR "pkg-config does not know TorviXMLModel${suffix}: ${pc_err}; files kept in ${run_dir}")
+    endif()
+    separate_arguments(pc_model_flags UNIX_COMMAND "${pc_model_flags}")
+    run_step("Building the model consumer through pkg-config"
+      ${CXX_COMPILER} -std=c++17 -fPIC "${PROJECT_SOURCE}/model.cpp" -o "${pc_program}-model" ${pc_model_flags}
+        "-Wl,-rpath,${pc_libdir}")
+    run_clean("The model consumer built with pkg-config" "${EXPECTED_MODEL}" "${pc_program}-model")
+  endif()
 
   # 3. The installed tool finds the installed catalogue on its own.
   run_clean("${tool} names --lang de" "${EXPECTED_NAMES}" "${prefix}/${BINDIR}/${tool}" names --lang de)
+  if(WITH_GUI)
+    # The preview needs no display; the editor is asked for its version on
+    # the offscreen platform.
+    set(png "${run_dir}/preview-${package}.png")
+    run_clean("${tool} preview" "" "${prefix}/${BINDIR}/${tool}" preview "${run_dir}/readme.xml" Standard -o "${png}")
+    file(READ "${png}" png_signature LIMIT 4 HEX)
+    if(NOT png_signature STREQUAL "89504e47")
+      message(FATAL_ERROR "${tool} preview wrote no PNG image (${png_signature}); files kept in ${run_dir}")
+    endif()
+    string(REPLACE "torvixml" "torvixml-editor" editor "${tool}")
+    run_clean("${editor} --version" "torvixml-editor ${VERSION}\n"
+      ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen "${prefix}/${BINDIR}/${editor}" --version)
+  endif()
   message(STATUS "Consumer check of ${package} passed (find_package, pkg-config, ${tool})")
 endfunction()
 
@@ -108,6 +145,11 @@ check_package(${PACKAGE} "${SUFFIX}" ${TOOL})
 # The other Qt's build, installed into the same prefix, still works too.
 foreach(tree IN LISTS ALSO_INSTALL)
   file(STRINGS "${tree}/CMakeCache.txt" qt_major REGEX "^TORVIXML_QT_MAJOR:")
+  file(STRINGS "${tree}/CMakeCache.txt" with_gui REGEX "^TORVIXML_BUILD_GUI:")
+  set(WITH_GUI OFF)
+  if(with_gui MATCHES "=ON$")
+    set(WITH_GUI ON)
+  endif()
   if(qt_major MATCHES "=6$")
     check_package(TorviXMLQt6 Qt6 torvixml-qt6)
   else()
