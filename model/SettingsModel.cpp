@@ -176,18 +176,28 @@ void SettingsModel::handDownValidation()
     m_settings.SetValidate(m_settings.GetValidate());
 }
 
-// Runs one setter on object; a refusal of the library is reported and
-// leaves everything as it was (the setters change nothing when they throw).
-template <typename Object, typename Change>
-bool SettingsModel::change(const QModelIndex& index, Object& object, Change&& change)
+// Runs an operation of the library; its refusal (an exception) is reported
+// through refused() and answered with false.
+template <typename Operation>
+bool SettingsModel::attempt(Operation&& operation)
 {
-    const Object before(object);
     try {
-        change(object);
+        operation();
     } catch (const RGException& e) {
         Q_EMIT refused(e.GetMessageText());
         return false;
     }
+    return true;
+}
+
+// Runs one setter on object; a refusal leaves everything as it was (the
+// setters change nothing when they throw).
+template <typename Object, typename Change>
+bool SettingsModel::change(const QModelIndex& index, Object& object, Change&& change)
+{
+    const Object before(object);
+    if (!attempt([&] { change(object); }))
+        return false;
     if (object != before)
         Q_EMIT dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole});
     return true;
@@ -263,13 +273,11 @@ bool SettingsModel::appendModes(const QVector<DataOperationMode>& modes)
     // Appended to a copy first, so that a refusal of any of them leaves the
     // tree as it was.
     TorviGuiModeSettings next(m_settings);
-    try {
-        for (const DataOperationMode& mode : modes)
-            next.AppendDataOperationMode(mode);
-    } catch (const RGException& e) {
-        Q_EMIT refused(e.GetMessageText());
+    if (!attempt([&] {
+            for (const DataOperationMode& mode : modes)
+                next.AppendDataOperationMode(mode);
+        }))
         return false;
-    }
     const int first = 1 + m_modeIds.size();
     beginInsertRows(QModelIndex(), first, first + modes.size() - 1);
     m_settings = next;
@@ -283,13 +291,11 @@ bool SettingsModel::appendComponents(int mode, const QVector<GuiComponentSetting
 {
     handDownValidation();
     DataOperationMode next(std::as_const(m_settings).GetDataOperationMode().at(mode));
-    try {
-        for (const GuiComponentSettings& component : components)
-            next.AppendGuiComponentSettings(component);
-    } catch (const RGException& e) {
-        Q_EMIT refused(e.GetMessageText());
+    if (!attempt([&] {
+            for (const GuiComponentSettings& component : components)
+                next.AppendGuiComponentSettings(component);
+        }))
         return false;
-    }
     const QModelIndex parent = modeIndex(mode);
     const int first = rowCount(parent);
     beginInsertRows(parent, first, first + components.size() - 1);

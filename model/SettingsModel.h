@@ -100,6 +100,8 @@ private:
     struct Cell;
     Cell locate(const QModelIndex& index) const;
     QVariant enumerationData(int value, const QStringList& displayNames, int role) const;
+    template <typename Operation>
+    bool attempt(Operation&& operation);
     template <typename Object, typename Change>
     bool change(const QModelIndex& index, Object& object, Change&& change);
     bool appendModes(const QVector<DataOperationMode>& modes);

@@ -3,6 +3,7 @@
 // and refusals that match the library's, message for message.
 
 #include "SettingsModel.h"
+#include "TestSupport.h"
 
 #include <TorviXML/TorviXML.h>
 #include <TorviXML/TranslationCenter.h>
@@ -13,6 +14,9 @@
 #include <QtTest>
 
 using namespace TORVIXML;
+using TestSupport::kHandlerInvalid;
+using TestSupport::kLocationInvalid;
+using TestSupport::kUsageInvalid;
 
 namespace {
 
@@ -32,13 +36,6 @@ const QString kAppendModeRefused = QStringLiteral(
     "TorviGuiModeSettings: Tried to append not completely defined or invalid item DataOperationMode.");
 const QString kAppendComponentRefused = QStringLiteral(
     "DataOperationMode: Tried to append not completely defined or invalid item GuiComponentSettings.");
-const QString kDockRefused =
-    QStringLiteral("enum is not valid (classname=GuiComponentSettings,membername=m_dockWidgetLocation)");
-const QString kUsageRefused =
-    QStringLiteral("enum is not valid (classname=GuiComponentSettings,membername=m_guiComponentUsage)");
-const QString kHandlerRefused =
-    QStringLiteral("enum is not valid (classname=TorviGuiModeSettings,membername=m_operationModeHandler)");
-
 } // namespace
 
 class SettingsModelTest : public QObject
@@ -204,10 +201,10 @@ private Q_SLOTS:
         unnamed.ResetToDefault();
         QVERIFY(!m_model->appendComponent(m_model->modeIndex(0), unnamed));
 
-        const QStringList messages = {kDockRefused,
-                                      kDockRefused,
-                                      kUsageRefused,
-                                      kHandlerRefused,
+        const QStringList messages = {kLocationInvalid,
+                                      kLocationInvalid,
+                                      kUsageInvalid,
+                                      kHandlerInvalid,
                                       QStringLiteral("GuiComponentSettings: Please set Name properly."),
                                       QStringLiteral("DataOperationMode: Please set Name properly."),
                                       kAppendModeRefused,
