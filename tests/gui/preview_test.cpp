@@ -19,9 +19,17 @@ using namespace TORVIXML;
 
 namespace {
 
-// Text is drawn by the platform's font engine, whose anti-aliasing differs a
-// little between Qt versions: a pixel counts as different when a channel is
-// off by more than 64, and up to 0.5 % of the pixels may differ.
+int channelDistance(QRgb a, QRgb b)
+{
+    return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
+}
+
+// Text is drawn by the platform's font engine, whose metrics and
+// anti-aliasing differ a little between Qt versions (Qt 6 places some text
+// one pixel higher than Qt 5). A pixel counts as different when no pixel of
+// the expected image at most one pixel away is within 64 in every channel;
+// up to 0.5 % of the pixels may differ. A component in another area, a
+// missing one or a fill of the other usage changes far more.
 QString imageDifference(const QImage& actual, const QImage& expected)
 {
     if (actual.size() != expected.size())
@@ -31,13 +39,15 @@ QString imageDifference(const QImage& actual, const QImage& expected)
     const QImage e = expected.convertToFormat(QImage::Format_RGB32);
     qint64 different = 0;
     for (int y = 0; y < a.height(); ++y) {
-        const QRgb* lineA = reinterpret_cast<const QRgb*>(a.constScanLine(y));
-        const QRgb* lineE = reinterpret_cast<const QRgb*>(e.constScanLine(y));
         for (int x = 0; x < a.width(); ++x) {
-            const int d = std::max({std::abs(qRed(lineA[x]) - qRed(lineE[x])),
-                                    std::abs(qGreen(lineA[x]) - qGreen(lineE[x])),
-                                    std::abs(qBlue(lineA[x]) - qBlue(lineE[x]))});
-            if (d > 64)
+            bool near = false;
+            for (int dy = -1; dy <= 1 && !near; ++dy) {
+                for (int dx = -1; dx <= 1 && !near; ++dx) {
+                    const QPoint p(x + dx, y + dy);
+                    near = e.valid(p) && channelDistance(a.pixel(x, y), e.pixel(p)) <= 64;
+                }
+            }
+            if (!near)
                 ++different;
         }
     }
@@ -89,6 +99,11 @@ DataOperationMode workshopMode(const QString& name)
     return DataOperationMode();
 }
 
+bool toolBuilt()
+{
+    return !QLatin1String(TORVIXML_TOOL_PATH).isEmpty();
+}
+
 struct ToolRun
 {
     int exitCode;
@@ -116,17 +131,11 @@ class PreviewTest : public QObject
 {
     Q_OBJECT
 
-private:
-    void skipWithoutTool()
-    {
-        if (QLatin1String(TORVIXML_TOOL_PATH).isEmpty())
-            QSKIP("torvixml is not built (TORVIXML_BUILD_TOOLS=OFF)");
-    }
-
 private Q_SLOTS:
     void readmeExampleThroughTheTool()
     {
-        skipWithoutTool();
+        if (!toolBuilt())
+            QSKIP("torvixml is not built (TORVIXML_BUILD_TOOLS=OFF)");
         QTemporaryDir dir;
         QVERIFY(dir.isValid());
         const QByteArray example = readmeExample();
@@ -146,7 +155,8 @@ private Q_SLOTS:
 
     void toolRefusesAnUnknownModeAndAMissingOutput()
     {
-        skipWithoutTool();
+        if (!toolBuilt())
+            QSKIP("torvixml is not built (TORVIXML_BUILD_TOOLS=OFF)");
         QTemporaryDir dir;
         const QString output = dir.filePath(QStringLiteral("x.png"));
         const QString input = QStringLiteral(TEST_DATA_DIR "/workshop.xml");
