@@ -13,8 +13,8 @@ std::unique_ptr<QCoreApplication> createApplication(int& argc, char** argv)
 
 int runPreview(const QStringList&)
 {
-    return usageError(QStringLiteral("preview"), QStringLiteral("this torvixml was built without the preview "
-                                                                "(TORVIXML_BUILD_GUI=OFF)"));
+    return usageError(QString(),
+                      QStringLiteral("this torvixml was built without the preview (TORVIXML_BUILD_GUI=OFF)"));
 }
 
 } // namespace TorviTool
