@@ -15,8 +15,9 @@ while [ $# -gt 0 ]; do
 done
 
 # fonts-dejavu-core: the font the preview draws with and the GUI tests render
-# with on the offscreen platform.
-packages=(build-essential cmake pkg-config extra-cmake-modules zlib1g-dev libgtest-dev libgmock-dev libxml2-utils fonts-dejavu-core)
+# with on the offscreen platform. pandoc: turns the manual page from Markdown
+# into roff.
+packages=(build-essential cmake pkg-config extra-cmake-modules zlib1g-dev libgtest-dev libgmock-dev libxml2-utils fonts-dejavu-core pandoc)
 case "$qt" in
   5) packages+=(qtbase5-dev qttools5-dev-tools) ;;
   6) packages+=(qt6-base-dev qt6-l10n-tools) ;;

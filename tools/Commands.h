@@ -16,6 +16,7 @@ int runConvert(const QStringList& arguments);
 int runCheck(const QStringList& arguments);
 int runDump(const QStringList& arguments);
 int runNames(const QStringList& arguments);
+int runFormat(const QStringList& arguments);
 int runPreview(const QStringList& arguments);
 
 /// The application object the command in argv[1] needs: a QGuiApplication

@@ -31,6 +31,19 @@ struct Utf8Stream
     QTextStream stream;
 };
 
+// Where standard output goes under --quiet: everything written is dropped.
+class DiscardDevice : public QIODevice
+{
+public:
+    DiscardDevice() { open(QIODevice::WriteOnly); }
+
+protected:
+    qint64 readData(char*, qint64) override { return -1; }
+    qint64 writeData(const char*, qint64 size) override { return size; }
+};
+
+bool quietOutput = false;
+
 bool isXmlBlank(uint c)
 {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -127,6 +140,11 @@ QString describeBinaryFailure(const QByteArray& data)
 QTextStream& out()
 {
     static Utf8Stream output(stdout);
+    if (quietOutput) {
+        static DiscardDevice discard;
+        static QTextStream discarded(&discard);
+        return discarded;
+    }
     return output.stream;
 }
 
@@ -158,6 +176,11 @@ int usageError(const QString& command, const QString& message)
 int parseCommandLine(QCommandLineParser& parser, const QString& command, const QStringList& arguments)
 {
     const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption quiet({QStringLiteral("q"), QStringLiteral("quiet")},
+                                   QStringLiteral("Print no reports on standard output (a document written to - "
+                                                  "still is); only diagnostics and the exit status tell the "
+                                                  "outcome."));
+    parser.addOption(quiet);
     QStringList argv = arguments;
     argv.prepend(QStringLiteral("torvixml ") + command);
     if (!parser.parse(argv))
@@ -172,6 +195,7 @@ int parseCommandLine(QCommandLineParser& parser, const QString& command, const Q
         out().flush();
         return ExitSuccess;
     }
+    quietOutput = parser.isSet(quiet);
     return -1;
 }
 

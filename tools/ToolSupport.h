@@ -35,7 +35,8 @@ void reportFileError(const QString& file, const QString& message);
 int usageError(const QString& command, const QString& message);
 
 /// Parses a command's arguments. Returns -1 when the command should go on;
-/// otherwise the exit code (help printed: 0, parse error: 2).
+/// otherwise the exit code (help printed: 0, parse error: 2). Every command
+/// gets --quiet, which silences out() from then on.
 int parseCommandLine(QCommandLineParser& parser, const QString& command, const QStringList& arguments);
 
 /// A text in double quotes, with backslash, quote, control characters and

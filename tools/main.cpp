@@ -25,6 +25,7 @@ const char* const description =
     "  convert IN OUT    Convert between XML (.xml) and binary (.bin) documents.\n"
     "  check FILE...     Read documents with validation on and check them.\n"
     "  dump FILE         Annotated walk over a binary document.\n"
+    "  format FILE       Write a document as indented XML.\n"
     "  names             List the enumeration values with names and display names.\n"
     "  preview FILE MODE -o PNG\n"
     "                    Draw the main window of a mode as an image.\n"
@@ -42,6 +43,8 @@ int runCommand(const QString& command, const QStringList& arguments)
         return runCheck(arguments);
     if (command == QLatin1String("dump"))
         return runDump(arguments);
+    if (command == QLatin1String("format"))
+        return runFormat(arguments);
     if (command == QLatin1String("names"))
         return runNames(arguments);
     if (command == QLatin1String("preview"))

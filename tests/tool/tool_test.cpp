@@ -58,6 +58,19 @@ void writeBytes(const QString& path, const QByteArray& bytes)
     ASSERT_EQ(file.write(bytes), bytes.size());
 }
 
+// Compares a tool's output with the golden file tests/data/NAME; with
+// TORVIXML_REGENERATE_GOLDEN=1 in the environment it rewrites the file
+// instead (review the change before committing it).
+void expectGolden(const QString& name, const QString& actual)
+{
+    const QString golden = QStringLiteral(TORVIXML_TOOL_DATA "/") + name;
+    if (qEnvironmentVariableIntValue("TORVIXML_REGENERATE_GOLDEN") == 1) {
+        writeBytes(golden, actual.toUtf8());
+        return;
+    }
+    EXPECT_EQ(actual, QString::fromUtf8(readBytes(golden))) << "golden file " << golden.toStdString();
+}
+
 QStringList entries(const QString& directory)
 {
     return QDir(directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
@@ -447,6 +460,69 @@ TEST_F(ToolTest, FailedConvertLeavesTheOldOutputAlone)
     run = runTool({QStringLiteral("convert"), oldXml, unwritable});
     EXPECT_EQ(run.code, 2);
     EXPECT_TRUE(run.err.startsWith(unwritable + QStringLiteral(": cannot open for writing: "))) << run.err.toStdString();
+}
+
+TEST_F(ToolTest, FormatIndentsAndReadsBackEqual)
+{
+    // Both forms in, the same indented XML out; that XML converts back to
+    // the same binary bytes and to the library's one-line XML.
+    const QString xml = file(QStringLiteral("demo.xml"), demoXml.toUtf8());
+    const QString bin = file(QStringLiteral("demo.bin"), qCompress(demoBinary()));
+    for (const QString& input : {xml, bin}) {
+        const ToolRun run = runTool({QStringLiteral("format"), input});
+        ASSERT_TRUE(run.finished);
+        EXPECT_EQ(run.code, 0) << run.err.toStdString();
+        EXPECT_EQ(run.err, QString());
+        expectGolden(QStringLiteral("tool/format-demo.xml"), run.out);
+    }
+    const QString pretty = path(QStringLiteral("pretty.xml"));
+    ToolRun run = runTool({QStringLiteral("format"), bin, QStringLiteral("-o"), pretty, QStringLiteral("--indent"),
+                           QStringLiteral("0")});
+    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, QString());
+    EXPECT_TRUE(readBytes(pretty).contains("\n<DockWidgetLocation>FloatingDockWidgetArea </DockWidgetLocation>\n"));
+    run = runTool({QStringLiteral("convert"), pretty, path(QStringLiteral("back.bin"))});
+    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_EQ(readBytes(path(QStringLiteral("back.bin"))), demoBinary());
+    run = runTool({QStringLiteral("convert"), pretty, path(QStringLiteral("back.xml"))});
+    EXPECT_EQ(readBytes(path(QStringLiteral("back.xml"))), demoXml.toUtf8());
+
+    // A refused document writes nothing; bad options are usage errors.
+    const QString bad = file(QStringLiteral("bad.xml"), "<TorviGuiModeSettings><OperationModeHandler>x</OperationModeHandler></TorviGuiModeSettings>");
+    run = runTool({QStringLiteral("format"), bad, QStringLiteral("-o"), path(QStringLiteral("bad-out.xml"))});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_FALSE(QFile::exists(path(QStringLiteral("bad-out.xml"))));
+    run = runTool({QStringLiteral("format"), xml, QStringLiteral("--indent"), QStringLiteral("17")});
+    EXPECT_EQ(run.code, 2);
+    EXPECT_EQ(run.err, QStringLiteral("torvixml: --indent: a number of blanks from 0 to 16, not \"17\"\n"
+                                      "Try 'torvixml format --help'.\n"));
+}
+
+TEST_F(ToolTest, QuietLeavesOnlyDiagnostics)
+{
+    const QString good = file(QStringLiteral("good.xml"), demoXml.toUtf8());
+    const QString bad = file(QStringLiteral("bad.bin"), example153.left(100));
+    const QStringList commands[] = {
+        {QStringLiteral("check"), good},
+        {QStringLiteral("dump"), file(QStringLiteral("good.bin"), example153)},
+        {QStringLiteral("convert"), good, path(QStringLiteral("out.bin"))},
+        {QStringLiteral("format"), good, QStringLiteral("-o"), path(QStringLiteral("out.xml"))},
+        {QStringLiteral("names")},
+        {QStringLiteral("demo"), path(QStringLiteral("demo"))},
+    };
+    for (const QStringList& command : commands) {
+        const ToolRun run = runTool(command + QStringList{QStringLiteral("--quiet")});
+        EXPECT_EQ(run.code, 0) << command.first().toStdString() << run.err.toStdString();
+        EXPECT_EQ(run.out + run.err, QString()) << command.first().toStdString();
+    }
+    EXPECT_EQ(readBytes(path(QStringLiteral("out.bin"))), demoBinary());
+    // A document asked for on standard output is no report: it still comes.
+    ToolRun run = runTool({QStringLiteral("format"), QStringLiteral("-q"), good});
+    EXPECT_EQ(run.out, QString::fromUtf8(readBytes(path(QStringLiteral("out.xml")))));
+    run = runTool({QStringLiteral("check"), QStringLiteral("-q"), good, bad});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_EQ(run.out, QString());
+    EXPECT_NE(run.err, QString());
 }
 
 TEST_F(ToolTest, NamesListsValuesNamesAndDisplayNames)
