@@ -251,7 +251,11 @@ qint64 Walker::walkObject(const ClassInfo& cls, qint64 pos, qint64 limit, int de
             if (!owners.isEmpty())
                 what += QStringLiteral(" (member id of %1)").arg(owners);
         }
-        line(p, depth + 1, QStringLiteral("record: member id %1 = %2").arg(idText(memberId), what));
+        WalkLine recordLine{p, depth + 1, QStringLiteral("record: member id %1 = %2").arg(idText(memberId), what)};
+        recordLine.recordEnd = p + 8 + qint64(recordLength);
+        if (member)
+            recordLine.member = QStringLiteral("%1.%2").arg(QLatin1String(cls.name), QLatin1String(member->name));
+        m_sink(recordLine);
         if (recordLength < 0) {
             line(p + 4, depth + 2, QStringLiteral("record length %1").arg(recordLength));
             error(p + 4, depth + 2, QStringLiteral("record length %1 is negative").arg(recordLength));
@@ -340,7 +344,9 @@ qint64 Walker::walkText(const MemberInfo& member, qint64 pos, qint64 end, qint64
             else
                 text += QStringLiteral(" (not a name of %1)").arg(QLatin1String(member.name));
         }
-        line(payloadEnd, depth, text);
+        WalkLine textLine{payloadEnd, depth, text};
+        textLine.value = QString::fromUtf8(bytes);
+        m_sink(textLine);
         payloadEnd += count;
     }
     if (payloadEnd < end)

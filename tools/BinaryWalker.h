@@ -40,10 +40,21 @@ UnpackedBinary unpackBinary(const QByteArray& fileData);
 /// the text, and whether it reports a fault of the input.
 struct WalkLine
 {
+    WalkLine(qint64 offset, int depth, const QString& text, bool error = false)
+        : offset(offset), depth(depth), text(text), error(error)
+    {
+    }
+
     qint64 offset = 0;
     int depth = 0;
     QString text;
     bool error = false;
+    /// A member record's line: where the record ends by its length, and its
+    /// member ("GuiComponentSettings.DockWidgetLocation", empty if unknown).
+    qint64 recordEnd = -1;
+    QString member;
+    /// A text's line: the text (UTF-8 decoded).
+    QString value;
 };
 
 struct WalkSummary

@@ -1,0 +1,137 @@
+#include "XmlOutline.h"
+
+#include "ToolSupport.h"
+
+#include <QHash>
+#include <QXmlStreamReader>
+
+namespace TorviTool {
+
+bool isObjectElement(const QString& name)
+{
+    return name == QLatin1String("TorviGuiModeSettings") || name == QLatin1String("DataOperationMode")
+        || name == QLatin1String("GuiComponentSettings");
+}
+
+XmlOutline outlineXml(const QByteArray& document)
+{
+    XmlOutline outline;
+    QXmlStreamReader reader(document);
+    int open = -1;
+    // For each open element, how many children of each name it has so far.
+    QVector<QHash<QString, int>> childCounts{QHash<QString, int>()};
+    // Where the token being read began: where the one before it ended.
+    qint64 line = 1;
+    qint64 column = 1;
+    qint64 offset = 0;
+    while (!reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::StartElement) {
+            XmlElement element;
+            element.name = reader.name().toString();
+            element.parent = open;
+            element.depth = open < 0 ? 0 : outline.elements[open].depth + 1;
+            element.line = line;
+            element.column = column;
+            element.start = offset;
+            element.hasText = true;
+            const QXmlStreamAttributes attributes = reader.attributes();
+            if (attributes.hasAttribute(QStringLiteral("Name"))) {
+                element.hasName = true;
+                element.objectName = attributes.value(QStringLiteral("Name")).toString();
+            }
+            if (open >= 0) {
+                outline.elements[open].hasText = false;
+                outline.elements[open].text.clear();
+            }
+            element.position = ++childCounts.last()[element.name];
+            childCounts.append(QHash<QString, int>());
+            outline.elements.append(element);
+            open = outline.elements.size() - 1;
+        } else if (token == QXmlStreamReader::Characters && open >= 0 && outline.elements[open].hasText) {
+            outline.elements[open].text += reader.text();
+        } else if (token == QXmlStreamReader::EndElement && open >= 0) {
+            XmlElement& element = outline.elements[open];
+            element.end = reader.characterOffset();
+            const int parent = element.parent;
+            // A name given as a child element, as hand-written documents have it.
+            if (element.name == QLatin1String("Name") && element.hasText && parent >= 0
+                && !outline.elements[parent].hasName) {
+                outline.elements[parent].hasName = true;
+                outline.elements[parent].objectName = element.text;
+            }
+            open = parent;
+            childCounts.removeLast();
+        }
+        // A text other than CDATA ends where the reader met the next '<',
+        // which it has taken already.
+        const qint64 lookahead = token == QXmlStreamReader::Characters && !reader.isCDATA() ? 1 : 0;
+        line = reader.lineNumber();
+        column = reader.columnNumber() + 1 - lookahead;
+        offset = reader.characterOffset() - lookahead;
+        // Without an XML declaration the reader reports the document's start
+        // only once it has looked into the first tag.
+        if (token == QXmlStreamReader::StartDocument && reader.documentVersion().isEmpty()) {
+            line = 1;
+            column = 1;
+            offset = 0;
+        }
+    }
+    if (reader.hasError()) {
+        outline.wellFormed = false;
+        outline.errorLine = reader.lineNumber();
+        outline.errorColumn = reader.columnNumber() + 1;
+        outline.error = reader.errorString();
+    }
+    return outline;
+}
+
+int XmlOutline::elementAt(qint64 offset) const
+{
+    int found = -1;
+    for (int i = 0; i < elements.size(); ++i) {
+        const XmlElement& element = elements[i];
+        if (element.start < offset && (element.end < 0 || element.end >= offset)
+            && (found < 0 || element.depth > elements[found].depth))
+            found = i;
+    }
+    return found;
+}
+
+QVector<int> XmlOutline::children(int element, const QString& name) const
+{
+    QVector<int> result;
+    // The element's descendants follow it, deeper than it is.
+    for (int i = element + 1; i < elements.size() && elements[i].depth > elements[element].depth; ++i) {
+        if (elements[i].parent == element && elements[i].name == name)
+            result.append(i);
+    }
+    return result;
+}
+
+int XmlOutline::objectOf(int element) const
+{
+    while (element >= 0 && !isObjectElement(elements[element].name))
+        element = elements[element].parent;
+    return element;
+}
+
+QString XmlOutline::objectPath(int element) const
+{
+    QString path;
+    for (int i = objectOf(element); i >= 0; i = objectOf(elements[i].parent)) {
+        const XmlElement& e = elements[i];
+        QString segment = e.name;
+        if (e.parent >= 0) {
+            int sameName = 0;
+            for (int sibling : children(e.parent, e.name))
+                sameName += elements[sibling].hasName && elements[sibling].objectName == e.objectName ? 1 : 0;
+            segment += e.hasName && sameName == 1 ? QStringLiteral("[Name=%1]").arg(quoted(e.objectName))
+                                                  : QStringLiteral("[%1]").arg(e.position);
+        }
+        path = path.isEmpty() ? segment : segment + QLatin1Char('/') + path;
+    }
+    return path;
+}
+
+} // namespace TorviTool
