@@ -1,17 +1,34 @@
 #ifndef TORVIXML_FRAMEWORK_MEMBERRECORD_H
 #define TORVIXML_FRAMEWORK_MEMBERRECORD_H
 
+// The fields a member-data record is made of, one kind per kind of member,
+// and the record's base with the set flags and default flags.
+
+#include "IRGObject.h"
+
 #include <QBitArray>
 #include <QSharedData>
-#include <QSharedDataPointer>
 #include <QString>
 #include <QVector>
 
-#include <array>
-#include <initializer_list>
+class QXmlStreamReader;
 
 namespace TORVIXML {
 namespace Framework {
+
+/// What generic code needs of a settings object beyond its public
+/// interface: its record pointer, its private InitData() and
+/// ConstNoClearReset(), and the base's protected XML reading steps. Each
+/// settings class makes Access<Class> its friend, and nothing else.
+template <typename Class>
+struct Access
+{
+    static auto& Record(const Class& object) { return object.d; }
+    static void InitData(const Class& object) { object.InitData(); }
+    static void ConstNoClearReset(const Class& object) { object.ConstNoClearReset(); }
+    static QString TextValue(Class& object, QXmlStreamReader& reader) { return object.GetTextValue(reader); }
+    static void SkipElement(Class& object, QXmlStreamReader& reader) { object.SkipXmlElement(reader); }
+};
 
 /// The three fields of an enumeration member: the value that stands for
 /// "unknown name", the default, and the current value.
@@ -31,15 +48,43 @@ struct TextField
     QString value;
 };
 
-/// Selects the duplicating constructor of a settings class: an exact
-/// duplicate of an element, its validation flag and logger included, with a
-/// record of its own. Records use it to copy their lists, so that taking a
-/// private copy of a shared record changes nothing that anyone can see.
-struct CloneTag
+/// An exact duplicate of a settings object with a record of its own: the
+/// same values, validation flag, logger, name and type, and likewise for
+/// every element of its lists. Records copy their lists this way, so that
+/// taking a private copy of a shared record changes nothing anyone can see.
+template <typename T>
+T Duplicate(const T& original)
 {
-    explicit constexpr CloneTag() = default;
+    T copy;
+    static_cast<REPORTGENERATOR::IRGObject&>(copy) = original;
+    auto& record = Access<T>::Record(copy);
+    record = Access<T>::Record(original);
+    record.detach();
+    return copy;
+}
+
+/// While the owner's XML content is walked, how many leading elements of a
+/// list are known to hold the owner's validation flag and logger: the
+/// owner re-applies both at every child element, and without this count
+/// that would make reading a list quadratic. Outside a walk (count -1) the
+/// hand-down always covers the whole list.
+struct HandedDown
+{
+    int validateCount = -1;
+    bool validate = false;
+    int loggerCount = -1;
+    const REPORTGENERATOR::Logger* logger = nullptr;
+
+    bool Active() const { return validateCount >= 0; }
+    void Start() { validateCount = loggerCount = 0; }
+    void Stop() { validateCount = loggerCount = -1; }
+    /// The list is handed out or changed in a way the count cannot follow.
+    void Forget()
+    {
+        if (Active())
+            Start();
+    }
 };
-inline constexpr CloneTag Clone{};
 
 /// The fields of a list member: a default element (stored and returned
 /// only), the list, and the work element into which the XML reader reads
@@ -49,9 +94,8 @@ struct ListField
 {
     ListField() = default;
     // A copied record owns its elements outright, so that no const operation
-    // on one object can ever reach an element of another. The elements are
-    // duplicated whole: a record is copied whenever an object stops sharing
-    // it, and that must not take the elements' loggers away.
+    // on one object can ever reach an element of another; the elements are
+    // duplicated whole (Duplicate), loggers included.
     ListField(const ListField& other)
         : defaultElement(other.defaultElement)
         , readElement(other.readElement)
@@ -66,112 +110,40 @@ struct ListField
         QVector<T> copy;
         copy.reserve(source.size());
         for (const T& element : source)
-            copy.append(T(Clone, element));
+            copy.append(Duplicate(element));
         list.swap(copy);
+        handedDown.Forget();
+    }
+
+    void Clear()
+    {
+        list.clear();
+        handedDown.Forget();
     }
 
     T defaultElement;
     QVector<T> list;
     T readElement;
-    /// While the owner's XML content is walked: how many leading elements
-    /// already hold the owner's flag and logger (-1 outside a walk). Not part
-    /// of the value; a copy starts outside a walk.
-    int handedDown = -1;
+    /// Not part of the value: a copy starts outside a walk.
+    HandedDown handedDown;
 };
 
-/// A bit array of N bits with the given bits set. Records that keep one
-/// such array as a function-local static and assign it share its storage
-/// until a bit changes.
-template <int N>
-QBitArray MakeFlags(std::initializer_list<int> bits)
-{
-    QBitArray flags(N);
-    for (int bit : bits)
-        flags.setBit(bit);
-    return flags;
-}
-
-/// Base of every member-data record: the set flags and default flags, one
-/// bit per member in member order.
+/// Base of every member-data record: the set flags and the default flags,
+/// one bit per member in member order.
 template <int N>
 class Record : public QSharedData
 {
-    static_assert(N >= 1 && N <= 8, "one shared bit array per combination of set flags");
-
 public:
     static constexpr int MemberCount = N;
 
-    Record() = default;
-    /// A record whose default flags are known from the start.
-    explicit Record(const QBitArray& defaultFlags)
-        : m_defaultSetFlags(defaultFlags)
-    {
-    }
-
-    static const QBitArray& NoFlags() { return Flags(0); }
-
     bool IsSet(int bit) const { return m_setFlags.testBit(bit); }
-    void MarkSet(int bit)
-    {
-        if (!IsSet(bit))
-            m_setFlags = Flags(Mask(m_setFlags) | (1u << bit));
-    }
-    void MarkUnset(int bit)
-    {
-        if (IsSet(bit))
-            m_setFlags = Flags(Mask(m_setFlags) & ~(1u << bit));
-    }
-    void ClearSetFlags() { m_setFlags = NoFlags(); }
+    void MarkSet(int bit) { m_setFlags.setBit(bit); }
+    void MarkUnset(int bit) { m_setFlags.clearBit(bit); }
+    void ClearSetFlags() { m_setFlags.fill(false); }
 
-    QBitArray m_setFlags = NoFlags();
-    QBitArray m_defaultSetFlags = NoFlags();
-
-private:
-    /// Every combination of the N set flags, built once. Records take these
-    /// shared arrays instead of changing bits in their own, which would cost
-    /// every record a bit array of its own.
-    static const QBitArray& Flags(unsigned mask)
-    {
-        static const std::array<QBitArray, (1u << N)> all = [] {
-            std::array<QBitArray, (1u << N)> flags;
-            for (unsigned m = 0; m < flags.size(); ++m) {
-                flags[m] = QBitArray(N);
-                for (int bit = 0; bit < N; ++bit)
-                    flags[m].setBit(bit, (m >> bit) & 1u);
-            }
-            return flags;
-        }();
-        return all[mask];
-    }
-    static unsigned Mask(const QBitArray& flags)
-    {
-        unsigned mask = 0;
-        for (int bit = 0; bit < N; ++bit)
-            mask |= unsigned(flags.testBit(bit)) << bit;
-        return mask;
-    }
+    QBitArray m_setFlags = QBitArray(N);
+    QBitArray m_defaultSetFlags = QBitArray(N);
 };
-
-/// Creates a record for an object that has none.
-template <typename Data, typename... Args>
-Q_NEVER_INLINE void NewRecord(QSharedDataPointer<Data>& d, const Args&... args)
-{
-    d = new Data(args...);
-}
-
-/// First half of every InitData(): takes a private copy of a shared record;
-/// creates the record when there is none and returns true in that case.
-/// InitData() runs at the start of nearly every operation, mostly on an
-/// object that already owns its record, so that case is kept inline.
-template <typename Data, typename... Args>
-inline bool CreateRecord(QSharedDataPointer<Data>& d, const Args&... args)
-{
-    d.detach();
-    if (d)
-        return false;
-    NewRecord(d, args...);
-    return true;
-}
 
 } // namespace Framework
 } // namespace TORVIXML

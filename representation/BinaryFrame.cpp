@@ -1,13 +1,26 @@
 #include "BinaryFrame.h"
 
+#include "BinaryParsingException.h"
+#include "IRGObject.h"
+
+#include "Messages.h"
+
 #include <QBuffer>
-#include <QByteArray>
+#include <QIODevice>
 #include <QtEndian>
 
 #include <limits>
 
 namespace TORVIXML {
 namespace Binary {
+
+namespace {
+// Texts longer than this arrive in steps of this size, so that a byte count
+// that lies costs no more memory than the input holds.
+constexpr qint64 Step = 1024 * 1024;
+// How far the source reads ahead of what it parses.
+constexpr qint64 ReadAhead = 256 * 1024;
+} // namespace
 
 bool CanWrite(QDataStream& stream)
 {
@@ -20,169 +33,178 @@ bool CanWrite(QDataStream& stream)
     return false;
 }
 
-void WriteText(QDataStream& stream, const QString& text)
+Output::Output(QDataStream::ByteOrder order)
+    : m_bigEndian(order == QDataStream::BigEndian)
+{
+}
+
+void Output::Int(qint32 value)
+{
+    char bytes[4];
+    if (m_bigEndian)
+        qToBigEndian(value, bytes);
+    else
+        qToLittleEndian(value, bytes);
+    m_bytes.append(bytes, 4);
+}
+
+qint64 Output::OpenLength()
+{
+    Int(0);
+    return m_bytes.size();
+}
+
+void Output::CloseLength(qint64 start)
+{
+    const qint32 length = qint32(m_bytes.size() - start);
+    char* placeholder = m_bytes.data() + (start - 4);
+    if (m_bigEndian)
+        qToBigEndian(length, placeholder);
+    else
+        qToLittleEndian(length, placeholder);
+}
+
+void Output::Text(const QString& text)
 {
     if (text.isNull()) {
-        stream << quint32(0xFFFFFFFFu);
+        Utf8(nullptr);
         return;
     }
     const QByteArray utf8 = text.toUtf8();
-    WriteUtf8(stream, &utf8);
+    Utf8(&utf8);
 }
 
-void WriteUtf8(QDataStream& stream, const QByteArray* utf8)
+void Output::Utf8(const QByteArray* utf8)
 {
     if (!utf8) {
-        stream << quint32(0xFFFFFFFFu);
+        Int(qint32(0xFFFFFFFFu));
         return;
     }
-    stream << quint32(utf8->size());
-    stream.writeRawData(utf8->constData(), int(utf8->size()));
+    Int(qint32(utf8->size()));
+    m_bytes.append(*utf8);
 }
 
-namespace {
-
-constexpr quint32 SmallText = 256;
-
-// The bytes of a text payload after its count: null after a short read.
-// Texts that are longer than the small buffer and cannot be read in place
-// grow with the bytes that really arrive, so a count that lies costs no
-// more memory than the input holds.
-const char* ReadPayload(Source& in, quint32 count, char (&small)[SmallText], QByteArray& large)
+void Output::HandTo(QDataStream& stream) const
 {
-    if (in.Direct() || count <= SmallText)
-        return in.ReadBytes(int(count), small);
-    constexpr quint32 Step = 1024 * 1024;
-    quint32 done = 0;
-    while (done < count) {
-        const quint32 chunk = qMin(Step, count - done);
-        large.resize(int(done + chunk));
-        if (!in.ReadBytes(int(chunk), large.data() + done))
-            return nullptr;
-        done += chunk;
-    }
-    return large.constData();
+    stream.writeRawData(m_bytes.constData(), int(m_bytes.size()));
 }
 
-// The count of a text payload; 0 for a null or empty text and after a short
-// read, which yields 0 itself.
-quint32 ReadCount(Source& in)
+Source::Source(QDataStream& stream)
+    : m_stream(stream)
+    , m_device(stream.device())
+    // Bytes read ahead can only be given back by seeking; in text mode the
+    // bytes read need not match the distance the device moved.
+    , m_readAhead(m_device && !m_device->isSequential() && !m_device->isTextModeEnabled())
+    , m_bigEndian(stream.byteOrder() == QDataStream::BigEndian)
 {
-    const quint32 count = in.ReadUInt32();
-    if (count == 0xFFFFFFFFu)
-        return 0;
-    if (count > quint32(std::numeric_limits<int>::max())) {
-        // More than a byte array can hold. The payload is passed over as a
-        // text of that length would be read, without keeping it, so that
-        // the stream ends up where such a read leaves it: in practice at
-        // its end, with the status of a short read.
-        char scratch[4096];
-        for (quint32 left = count; left > 0;) {
-            const int chunk = int(qMin<quint32>(left, sizeof scratch));
-            if (!in.ReadBytes(chunk, scratch))
-                break;
-            left -= quint32(chunk);
+}
+
+Source::~Source()
+{
+    GiveBack();
+}
+
+bool Source::AtEnd() const
+{
+    return m_pos >= m_window.size() && m_stream.atEnd();
+}
+
+qint64 Source::BytesAvailable() const
+{
+    const qint64 device = m_device ? qMax<qint64>(0, m_device->bytesAvailable()) : 0;
+    return m_window.size() - m_pos + device;
+}
+
+// Makes count bytes available from m_pos on; false when the stream ends
+// first, with what did arrive in the window.
+bool Source::Fill(qint64 count)
+{
+    qint64 have = m_window.size() - m_pos;
+    if (have >= count)
+        return true;
+    m_window.remove(0, int(m_pos));
+    m_pos = 0;
+    qint64 want = count;
+    if (m_readAhead)
+        want = qMax(count, have + qMin(ReadAhead, qMax<qint64>(0, m_device->bytesAvailable())));
+    while (have < want) {
+        const qint64 step = qMin(Step, want - have);
+        m_window.resize(int(have + step));
+        const int got = m_stream.readRawData(m_window.data() + have, int(step));
+        if (got < step) {
+            have += qMax(got, 0);
+            m_window.resize(int(have));
+            return have >= count;
         }
-        return 0;
+        have += step;
     }
-    return count;
+    return true;
 }
 
-} // namespace
+quint32 Source::ReadUInt32()
+{
+    const char* bytes = ReadBytes(4);
+    if (!bytes)
+        return 0;
+    return m_bigEndian ? qFromBigEndian<quint32>(bytes) : qFromLittleEndian<quint32>(bytes);
+}
+
+const char* Source::ReadBytes(qint64 count)
+{
+    if (count < 0)
+        return nullptr;
+    if (!Fill(count)) {
+        m_pos = m_window.size();
+        return nullptr;
+    }
+    const char* bytes = m_window.constData() + m_pos;
+    m_pos += count;
+    return bytes;
+}
+
+void Source::Skip(quint64 count)
+{
+    while (count > 0) {
+        const qint64 step = qint64(qMin<quint64>(count, quint64(Step)));
+        if (!ReadBytes(step))
+            return;
+        count -= quint64(step);
+    }
+}
+
+void Source::GiveBack()
+{
+    const qint64 unread = m_window.size() - m_pos;
+    if (unread > 0)
+        m_device->seek(m_device->pos() - unread);
+    m_window.clear();
+    m_pos = 0;
+}
+
+QDataStream& Source::Lend()
+{
+    GiveBack();
+    return m_stream;
+}
 
 QString ReadText(Source& in)
 {
-    const quint32 count = ReadCount(in);
-    if (count == 0)
+    const quint32 count = in.ReadUInt32();
+    // A null text, an empty one and a short read of the count all give 0
+    // bytes, read as an empty text.
+    if (count == 0xFFFFFFFFu || count == 0)
         return QStringLiteral("");
-    char small[SmallText];
-    QByteArray large;
-    const char* bytes = ReadPayload(in, count, small, large);
+    if (count > quint32(std::numeric_limits<int>::max())) {
+        // More than a byte array can hold: the payload is passed over as a
+        // text of that length would be read, which in practice ends at the
+        // end of the stream, with the status of a short read.
+        in.Skip(count);
+        return QStringLiteral("");
+    }
+    const char* bytes = in.ReadBytes(count);
     if (!bytes)
         return QStringLiteral("");
     return QString::fromUtf8(bytes, int(count));
-}
-
-int ReadName(Source& in, const Framework::EnumNameTable& table, QString& text)
-{
-    const quint32 count = ReadCount(in);
-    if (count == 0) {
-        text = QStringLiteral("");
-        return -1;
-    }
-    char small[SmallText];
-    QByteArray large;
-    const char* bytes = ReadPayload(in, count, small, large);
-    if (!bytes) {
-        text = QStringLiteral("");
-        return -1;
-    }
-    const int value = table.IndexOfUtf8(bytes, int(count));
-    if (value < 0)
-        text = QString::fromUtf8(bytes, int(count));
-    return value;
-}
-
-FrameWriter::FrameWriter(QDataStream& stream, int id, bool writeId)
-    : m_stream(stream)
-    , m_device(stream.device())
-    , m_bytes(m_device->metaObject() == &QBuffer::staticMetaObject ? &static_cast<QBuffer*>(m_device)->buffer()
-                                                                    : nullptr)
-{
-    if (writeId)
-        m_stream << qint32(id);
-    m_stream << qint32(0);
-    m_start = m_device->pos();
-}
-
-void FrameWriter::Text(qint32 memberId, const QString& text)
-{
-    const qint64 start = BeginRecord(memberId);
-    WriteText(m_stream, text);
-    EndRecord(start);
-}
-
-void FrameWriter::Name(qint32 memberId, const QByteArray* utf8)
-{
-    const qint64 start = BeginRecord(memberId);
-    WriteUtf8(m_stream, utf8);
-    EndRecord(start);
-}
-
-qint64 FrameWriter::BeginRecord(qint32 memberId)
-{
-    m_stream << memberId << qint32(0);
-    return m_device->pos();
-}
-
-void FrameWriter::EndRecord(qint64 start)
-{
-    Patch(start);
-}
-
-void FrameWriter::Finish()
-{
-    Patch(m_start);
-}
-
-void FrameWriter::Patch(qint64 start)
-{
-    // The placeholder stands in the four bytes before start.
-    const qint64 end = m_device->pos();
-    if (m_bytes && m_stream.status() == QDataStream::Ok) {
-        // What writing the length over the placeholder through the stream
-        // would do, without moving the buffer's position.
-        const qint32 length = qint32(end - start);
-        char* placeholder = m_bytes->data() + (start - 4);
-        if (m_stream.byteOrder() == QDataStream::BigEndian)
-            qToBigEndian(length, placeholder);
-        else
-            qToLittleEndian(length, placeholder);
-        return;
-    }
-    m_device->seek(start - 4);
-    m_stream << qint32(end - start);
-    m_device->seek(end);
 }
 
 void ThrowLengthError(const REPORTGENERATOR::IRGObject& object)

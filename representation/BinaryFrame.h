@@ -1,176 +1,124 @@
 #ifndef TORVIXML_REPRESENTATION_BINARYFRAME_H
 #define TORVIXML_REPRESENTATION_BINARYFRAME_H
 
-// The length-prefixed binary form shared by all settings classes.
+// The bytes of the binary form: frames written into a byte array, and
+// records read from a stream.
 //
 // An object frame is [id] objectLength memberRecord*, a member record is
 // memberId recordLength payload; all integers are 32-bit in the stream's
-// byte order. Lengths are written as placeholders and patched in place once
-// the content is written, which needs a device that can seek.
-
-#include "BinaryParsingException.h"
-#include "IRGObject.h"
-
-#include "BinarySource.h"
-#include "EnumNameTable.h"
-#include "Messages.h"
-#include "Validation.h"
+// byte order. A text payload is a 32-bit byte count (0xFFFFFFFF for a null
+// text) followed by that many bytes of UTF-8.
 
 #include <QByteArray>
 #include <QDataStream>
-#include <QIODevice>
 #include <QString>
-#include <QVector>
 
-#include <memory>
-#include <utility>
+class QIODevice;
+
+namespace REPORTGENERATOR {
+class IRGObject;
+}
 
 namespace TORVIXML {
 namespace Binary {
 
-/// Whether the stream's device allows patching lengths: present, writable
-/// and random-access; in append mode only a plain QBuffer, which merely
-/// starts at its end and then seeks and overwrites like any other buffer. A
-/// file opened for appending writes every byte at its end whatever its
-/// position, so the patched lengths would land behind the frame. A stream
-/// that fails this gets its status set to WriteFailed and nothing is
-/// written.
+/// Whether the stream's device can take a frame: present, writable and
+/// random-access; in append mode only a plain QBuffer, which merely starts
+/// at its end and then seeks and overwrites like any other buffer. A file
+/// opened for appending would not let a writer go back to a length, so it
+/// is refused like a sequential device, although frames are now built in
+/// memory first. A stream that fails this gets its status set to
+/// WriteFailed, and nothing is written.
 bool CanWrite(QDataStream& stream);
 
-/// Text payload: UTF-8 as a byte array, a null text as count 0xFFFFFFFF.
-void WriteText(QDataStream& stream, const QString& text);
-/// The same for text already encoded as UTF-8; null stands for a null text.
-void WriteUtf8(QDataStream& stream, const QByteArray* utf8);
-/// Reads a text payload. A null or empty array, and a short read, give an
-/// empty, non-null text.
-QString ReadText(Source& in);
-/// Reads the text payload of an enumeration member. When its bytes are
-/// exactly the UTF-8 name of a value of the table, returns that value
-/// without decoding anything; otherwise returns -1 and sets text to what
-/// ReadText() gives for the payload, for the member's own name lookup.
-int ReadName(Source& in, const Framework::EnumNameTable& table, QString& text);
-
-/// Writes one object frame: the constructor writes the id (if asked) and
-/// the object length placeholder, Finish() patches it.
-class FrameWriter
+/// A frame built in memory, in a given byte order, and handed to the stream
+/// in one piece. Each length is written as a placeholder and filled in once
+/// what it counts has been written.
+class Output
 {
 public:
-    FrameWriter(QDataStream& stream, int id, bool writeId);
+    explicit Output(QDataStream::ByteOrder order);
 
-    void Text(qint32 memberId, const QString& text);
-    /// An enumeration member: the UTF-8 name of its value, or null for a
-    /// value without a name.
-    void Name(qint32 memberId, const QByteArray* utf8);
+    void Int(qint32 value);
+    /// A length placeholder; returns where the bytes it counts start.
+    qint64 OpenLength();
+    /// Fills in the placeholder before start with the bytes written since.
+    void CloseLength(qint64 start);
+    /// A text payload.
+    void Text(const QString& text);
+    /// A text payload from text already encoded as UTF-8; null for a null
+    /// text.
+    void Utf8(const QByteArray* utf8);
 
-    /// A list record (nothing for an empty list): the element count, then
-    /// each element's frame without id, written by writeElement(element).
-    template <typename T, typename WriteElement>
-    void List(qint32 memberId, const QVector<T>& list, WriteElement&& writeElement)
-    {
-        if (list.isEmpty())
-            return;
-        const qint64 start = BeginRecord(memberId);
-        m_stream << qint32(list.size());
-        for (const T& element : list)
-            writeElement(element);
-        EndRecord(start);
-    }
-
-    void Finish();
+    /// Writes what has been built so far onto the stream.
+    void HandTo(QDataStream& stream) const;
 
 private:
-    qint64 BeginRecord(qint32 memberId);
-    void EndRecord(qint64 start);
-    void Patch(qint64 start);
+    QByteArray m_bytes;
+    bool m_bigEndian;
+};
+
+/**
+ * What the readers read member records from: the stream's bytes, taken in
+ * blocks and parsed from memory.
+ *
+ * From a random-access device the source reads ahead, as far as the device
+ * holds bytes, and gives back what it did not use by seeking the device
+ * back, when it goes away (also when an exception ends the read) and when it
+ * lends the stream to code that reads through it. From any other device it
+ * reads exactly the bytes it parses. Either way every byte passes through
+ * the stream's readRawData, and the effect on the stream is that of reading
+ * through it: short reads consume what is there, give 0 (or no bytes) and
+ * leave the status ReadPastEnd. The stream's status is never consulted.
+ */
+class Source
+{
+public:
+    explicit Source(QDataStream& stream);
+    ~Source();
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
+
+    /// No byte left, here or in the stream.
+    bool AtEnd() const;
+    /// Bytes left, here and in the device.
+    qint64 BytesAvailable() const;
+
+    qint32 ReadInt32() { return qint32(ReadUInt32()); }
+    quint32 ReadUInt32();
+    /// count bytes, valid until the next read; null after a short read.
+    const char* ReadBytes(qint64 count);
+    /// Passes over count bytes, or as many as there are.
+    void Skip(quint64 count);
+
+    /// The stream, standing where reading has got to, for code that reads
+    /// through it; reading ahead starts afresh afterwards.
+    QDataStream& Lend();
+
+private:
+    bool Fill(qint64 count);
+    void GiveBack();
 
     QDataStream& m_stream;
     QIODevice* m_device;
-    /// The bytes of the device when it is a plain QBuffer: lengths are then
-    /// patched in the array itself instead of seeking there and back.
-    QByteArray* m_bytes;
-    qint64 m_start;
+    QByteArray m_window;
+    qint64 m_pos = 0;
+    bool m_readAhead;
+    bool m_bigEndian;
 };
 
-[[noreturn]] void ThrowLengthError(const REPORTGENERATOR::IRGObject& object);
+/// Reads a text payload. A null or empty array, and a short read, give an
+/// empty, non-null text.
+QString ReadText(Source& in);
 
-/// The record loop of SetBinary(): reads member records until the object
-/// length is used up or the stream ends, handing each to read(in, memberId,
-/// recordLength), which returns false for a member id its class does not
-/// know; such records are skipped. Throws the length error unless the
-/// records add up to exactly the object length.
-template <typename ReadMember>
-void ReadRecords(const REPORTGENERATOR::IRGObject& object, QDataStream& stream, int length,
-                 ReadMember&& read)
-{
-    Source in(stream);
-    qint64 remaining = length;
-    while (remaining > 0 && !in.AtEnd()) {
-        const qint32 memberId = in.ReadInt32();
-        const qint32 recordLength = in.ReadInt32();
-        remaining -= 8 + qint64(recordLength);
-        if (!read(in, memberId, recordLength)) {
-            const Source::HandOn lent(in);
-            object.skipCurrentElement(lent.Stream(), recordLength, memberId);
-        }
-    }
-    if (remaining != 0)
-        ThrowLengthError(object);
-}
+[[noreturn]] void ThrowLengthError(const REPORTGENERATOR::IRGObject& object);
 
 /// How many elements to make room for when a list record announces count
 /// elements: never more than the record length, or the bytes the device
 /// still holds, can carry at four bytes per element frame.
 int ReservationFor(const Source& in, qint32 count, qint32 recordLength);
 
-/// A list payload: the element count, then for each element its object
-/// length, a fresh element that carries the owner's flag and logger reads
-/// its records, and append(T&&) takes it.
-///
-/// An element announced beyond the end of the stream gets the object length
-/// 0 of the short read and so reads nothing. In validation mode the append
-/// refuses such an element, which ends the list at the first one. Outside
-/// validation mode every one of them would be appended, up to 2^31 empty
-/// elements for four bytes of count; the owner's length error ends the read
-/// instead as soon as an element is announced after the stream has ended.
-template <typename T, typename AppendElement>
-void ReadList(const REPORTGENERATOR::IRGObject& owner, Source& in, qint32 recordLength, QVector<T>& list,
-              AppendElement&& append)
-{
-    const qint32 count = in.ReadInt32();
-    if (count <= 0)
-        return;
-    list.reserve(list.size() + ReservationFor(in, count, recordLength));
-    const bool validate = owner.GetValidate();
-    const std::shared_ptr<REPORTGENERATOR::Logger> logger = owner.GetLogger();
-    for (qint32 i = 0; i < count; ++i) {
-        if (!validate && in.AtEnd())
-            ThrowLengthError(owner);
-        const qint32 elementLength = in.ReadInt32();
-        T element;
-        element.SetValidate(validate);
-        element.SetLogger(logger);
-        {
-            const Source::HandOn lent(in);
-            element.SetBinary(lent.Stream(), elementLength);
-        }
-        append(std::move(element));
-    }
-}
-
 } // namespace Binary
 } // namespace TORVIXML
-
-// GetBinary() of every class: the write prologue first (flag and logger
-// handed down, and in validation mode the check, whose failure propagates,
-// and nothing written for an object without data), then a device that
-// cannot be patched is refused before anything is written, then the frame.
-#define TORVIXML_BINARY_WRITE_ENTRY(Class)                                                     \
-    bool Class::GetBinary(QDataStream& stream, int id, bool writeId) const                     \
-    {                                                                                          \
-        if (!Validation::WritePrologue(*this) || !Binary::CanWrite(stream))                    \
-            return false;                                                                      \
-        WriteBinaryFrame(stream, id, writeId);                                                 \
-        return true;                                                                           \
-    }
 
 #endif

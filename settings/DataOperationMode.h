@@ -87,22 +87,11 @@ protected:
     void ProcessXmlStartElement(QXmlStreamReader& reader) override;
 
 private:
-    // Lists duplicate their elements whole, flag and logger included.
-    template <typename T>
-    friend struct Framework::ListField;
-    DataOperationMode(Framework::CloneTag, const DataOperationMode& other);
-
-    friend class TorviGuiModeSettings;
+    // The generic code that the operations above call into.
+    friend struct Framework::Access<DataOperationMode>;
 
     void InitData() const;
     void ConstNoClearReset() const;
-    // Check(), GetXml() and GetBinary() without re-applying the flag and the
-    // logger first: for the elements of a list whose owner has just done that
-    // for the whole tree below it (and checked it, in validation mode).
-    void CheckMembers(bool flag) const;
-    void WriteXmlElement(QXmlStreamWriter& writer) const;
-    void WriteBinaryFrame(QDataStream& stream, int id, bool writeId) const;
-    void AppendRead(GuiComponentSettings&& element);
 
     mutable QSharedDataPointer<DataOperationModeData> d;
 };

@@ -5,6 +5,7 @@
 
 #include "IRGObject.h"
 
+#include <QCoreApplication>
 #include <QSharedDataPointer>
 #include <QString>
 #include <QStringList>
@@ -12,9 +13,8 @@
 namespace TORVIXML {
 
 namespace Framework {
-struct CloneTag;
-template <typename T>
-struct ListField;
+template <typename Class>
+struct Access;
 }
 
 class GuiComponentSettingsData;
@@ -118,11 +118,16 @@ public:
     /// Translated display names (context "QObject"), index k for value k.
     static QStringList GetGUIDockWidgetLocations();
 
-    // Translation in the context "TORVIXML::GuiComponentSettings".
-    static QString tr(const char* sourceText, const char* disambiguation = nullptr);
-    static QString tr(const char* sourceText, const char* disambiguation, int n);
-    static QString trUtf8(const char* sourceText, const char* disambiguation = nullptr);
-    static QString trUtf8(const char* sourceText, const char* disambiguation, int n);
+    // Translation in the context "TORVIXML::GuiComponentSettings": tr() is
+    // Qt's (the deprecated trUtf8() that Qt 5 declares with it is left out),
+    // trUtf8() is the class's own, as Qt 6 has none.
+#pragma push_macro("QT_DECLARE_DEPRECATED_TR_FUNCTIONS")
+#undef QT_DECLARE_DEPRECATED_TR_FUNCTIONS
+#define QT_DECLARE_DEPRECATED_TR_FUNCTIONS(context)
+    Q_DECLARE_TR_FUNCTIONS(TORVIXML::GuiComponentSettings)
+#pragma pop_macro("QT_DECLARE_DEPRECATED_TR_FUNCTIONS")
+public:
+    static QString trUtf8(const char* sourceText, const char* disambiguation = nullptr, int n = -1);
 
     // Representations and validation.
     void Check(bool flag) const override;
@@ -140,21 +145,11 @@ protected:
     void ProcessXmlStartElement(QXmlStreamReader& reader) override;
 
 private:
-    // Lists duplicate their elements whole, flag and logger included.
-    template <typename T>
-    friend struct Framework::ListField;
-    GuiComponentSettings(Framework::CloneTag, const GuiComponentSettings& other);
-
-    friend class DataOperationMode;
+    // The generic code that the operations above call into.
+    friend struct Framework::Access<GuiComponentSettings>;
 
     void InitData() const;
     void ConstNoClearReset() const;
-    // Check(), GetXml() and GetBinary() without re-applying the flag and the
-    // logger first: for the elements of a list whose owner has just done that
-    // for the whole tree below it (and checked it, in validation mode).
-    void CheckMembers(bool flag) const;
-    void WriteXmlElement(QXmlStreamWriter& writer) const;
-    void WriteBinaryFrame(QDataStream& stream, int id, bool writeId) const;
 
     mutable QSharedDataPointer<GuiComponentSettingsData> d;
 };

@@ -1,7 +1,10 @@
 #include "TorviGuiModeSettings.h"
 #include "TorviGuiModeSettingsData.h"
 
-#include "MemberAccessors.h"
+#include "BinaryForm.h"
+#include "MemberState.h"
+#include "Validation.h"
+#include "XmlForm.h"
 
 using REPORTGENERATOR::IRGObject;
 
@@ -16,79 +19,119 @@ const Framework::EnumNameTable& OperationModeHandlerNames()
 }
 
 namespace {
-using Data = TorviGuiModeSettingsData;
+using Members = Framework::Members<TorviGuiModeSettings>;
 }
 
-TORVIXML_VALUE_CLASS(TorviGuiModeSettings)
-TORVIXML_LIST_MEMBER(TorviGuiModeSettings, DataOperationMode, m_dataOperationMode, Data::DataOperationModeBit)
-TORVIXML_ENUM_MEMBER(TorviGuiModeSettings, OperationModeHandler, m_operationModeHandler,
-                     Data::OperationModeHandlerBit, OperationModeHandlerNames())
-TORVIXML_TRANSLATION_FUNCTIONS(TorviGuiModeSettings, "TORVIXML::TorviGuiModeSettings")
+// Identity and special members.
 
-namespace {
-// Each new record starts with these default flags.
-const QBitArray& DefaultFlags()
+qint64 TorviGuiModeSettings::GetId()
 {
-    static const QBitArray defaultFlags = Framework::MakeFlags<2>({Data::OperationModeHandlerBit});
-    return defaultFlags;
+    return id;
 }
-} // namespace
 
-void TorviGuiModeSettings::InitData() const
+TorviGuiModeSettings::TorviGuiModeSettings()
 {
-    if (!Framework::CreateRecord(d, DefaultFlags()))
-        return;
-    // The default handler is given by name.
-    static const auto handlerDefault =
-        OperationModeHandler(OperationModeHandlerNames().IndexOf(QLatin1String("TX470ManagementComponent")));
-    d->m_operationModeHandler.defaultValue = handlerDefault;
-    ConstNoClearReset();
-    SetValidate(GetValidate());
+    SetObjectName(QStringLiteral("TorviGuiModeSettings"));
+    m_classId = id;
+}
+
+// The source's type and validation flag, not its logger. Handing the flag
+// over through SetValidate makes the shared record this object's own; its
+// copy duplicates the elements whole, so this object's own logger (none)
+// is then handed down to them.
+TorviGuiModeSettings::TorviGuiModeSettings(const TorviGuiModeSettings& other)
+    : IRGObject(other.GetObjectType())
+    , d(other.d)
+{
+    SetObjectName(QStringLiteral("TorviGuiModeSettings"));
+    m_classId = id;
+    SetValidate(other.GetValidate());
     SetLogger(GetLogger());
 }
 
-void TorviGuiModeSettings::ConstNoClearReset() const
+// Everything moves, flag and logger included; the source keeps its name and
+// is left without data.
+TorviGuiModeSettings::TorviGuiModeSettings(TorviGuiModeSettings&& other) noexcept
+    : IRGObject(std::move(other))
+    , d(std::move(other.d))
 {
-    d->m_dataOperationMode.list.clear();
-    d->m_operationModeHandler.value = d->m_operationModeHandler.defaultValue;
+    other.SetObjectName(QStringLiteral("TorviGuiModeSettings"));
 }
 
-void TorviGuiModeSettings::ResetToDefault()
+// Shares the source's record; flag, logger, name and type stay this
+// object's own.
+TorviGuiModeSettings& TorviGuiModeSettings::operator=(const TorviGuiModeSettings& other)
 {
-    InitData();
-    Reset();
-    Framework::ApplyEnumDefault(*d, d->m_operationModeHandler, Data::OperationModeHandlerBit,
-                                OperationModeHandlerNames(),
-                                [this](OperationModeHandler v) { SetOperationModeHandler(v); });
+    d = other.d;
+    return *this;
 }
 
-bool TorviGuiModeSettings::HasData() const
+TorviGuiModeSettings& TorviGuiModeSettings::operator=(TorviGuiModeSettings&& other) noexcept
 {
-    return d && d->IsSet(Data::OperationModeHandlerBit);
+    if (this != &other)
+        d = std::move(other.d);
+    return *this;
 }
 
-bool TorviGuiModeSettings::AnyData() const
-{
-    return d && (!d->m_dataOperationMode.list.isEmpty() || d->IsSet(Data::OperationModeHandlerBit));
-}
+TorviGuiModeSettings::~TorviGuiModeSettings() = default;
 
-bool TorviGuiModeSettings::operator==(const TorviGuiModeSettings& other) const
-{
-    if (!d && !other.d)
-        return true;
-    const Framework::Comparison<Data> compare(d, other.d);
-    if (!compare.Scalar(Data::OperationModeHandlerBit, &Data::m_operationModeHandler))
-        return false;
-    InitData();
-    other.InitData();
-    return compare.List(&Data::m_dataOperationMode);
-}
+// Lifecycle.
 
-void TorviGuiModeSettings::AppendRead(DataOperationMode&& element)
-{
-    InitData();
-    Framework::AppendRead(*d, d->m_dataOperationMode, Data::DataOperationModeBit, std::move(element), GetValidate(),
-                          GetObjectName(), "DataOperationMode");
-}
+bool TorviGuiModeSettings::operator==(const TorviGuiModeSettings& other) const { return Framework::Equal(*this, other); }
+bool TorviGuiModeSettings::operator!=(const TorviGuiModeSettings& other) const { return !(*this == other); }
+bool TorviGuiModeSettings::IsInitialized() const { return Framework::IsInitialized(*this); }
+bool TorviGuiModeSettings::HasData() const { return Framework::HasData(*this); }
+bool TorviGuiModeSettings::AnyData() const { return Framework::AnyData(*this); }
+void TorviGuiModeSettings::Reset() { Framework::Reset(*this); }
+void TorviGuiModeSettings::ResetToDefault() { Framework::ResetToDefault(*this); }
+void TorviGuiModeSettings::InitData() const { Framework::InitRecord(*this); }
+void TorviGuiModeSettings::ConstNoClearReset() const { Framework::ClearValues<TorviGuiModeSettings>(*d); }
+
+// DataOperationMode.
+
+bool TorviGuiModeSettings::IsDataOperationModeSet() const { return Framework::IsSet(*this, Members::DataOperationMode); }
+void TorviGuiModeSettings::ResetDataOperationMode() { Framework::ResetMember(*this, Members::DataOperationMode); }
+void TorviGuiModeSettings::SetDefaultDataOperationMode(const DataOperationMode& value) { Framework::SetDefault(*this, Members::DataOperationMode, value); }
+const DataOperationMode& TorviGuiModeSettings::GetDefaultDataOperationMode() const { return Framework::GetDefault(*this, Members::DataOperationMode); }
+QVector<DataOperationMode>& TorviGuiModeSettings::GetDataOperationMode() { return Framework::GetForChange(*this, Members::DataOperationMode); }
+const QVector<DataOperationMode>& TorviGuiModeSettings::GetDataOperationMode() const { return Framework::Get(*this, Members::DataOperationMode); }
+void TorviGuiModeSettings::SetDataOperationMode(const QVector<DataOperationMode>& value) { Framework::Set(*this, Members::DataOperationMode, value); }
+void TorviGuiModeSettings::AppendDataOperationMode(const DataOperationMode& value) { Framework::Append(*this, Members::DataOperationMode, value); }
+bool TorviGuiModeSettings::IsValidDataOperationMode(const DataOperationMode&) const { return Framework::IsValid(Members::DataOperationMode); }
+bool TorviGuiModeSettings::IsValidDataOperationMode(const QVector<DataOperationMode>&) const { return Framework::IsValid(Members::DataOperationMode); }
+
+// OperationModeHandler.
+
+bool TorviGuiModeSettings::IsOperationModeHandlerSet() const { return Framework::IsSet(*this, Members::OperationModeHandler); }
+void TorviGuiModeSettings::ResetOperationModeHandler() { Framework::ResetMember(*this, Members::OperationModeHandler); }
+void TorviGuiModeSettings::SetInvalidOperationModeHandler(const OperationModeHandler& value) { Framework::SetInvalid(*this, Members::OperationModeHandler, value); }
+const TorviGuiModeSettings::OperationModeHandler& TorviGuiModeSettings::GetInvalidOperationModeHandler() const { return Framework::GetInvalid(*this, Members::OperationModeHandler); }
+void TorviGuiModeSettings::SetDefaultOperationModeHandler(const OperationModeHandler& value) { Framework::SetDefault(*this, Members::OperationModeHandler, value); }
+const TorviGuiModeSettings::OperationModeHandler& TorviGuiModeSettings::GetDefaultOperationModeHandler() const { return Framework::GetDefault(*this, Members::OperationModeHandler); }
+bool TorviGuiModeSettings::IsValidOperationModeHandler(const OperationModeHandler& value) const { return Framework::IsValid(*this, Members::OperationModeHandler, value); }
+const TorviGuiModeSettings::OperationModeHandler& TorviGuiModeSettings::GetOperationModeHandler() const { return Framework::Get(*this, Members::OperationModeHandler); }
+void TorviGuiModeSettings::SetOperationModeHandler(const OperationModeHandler& value) { Framework::Set(*this, Members::OperationModeHandler, value); }
+QString TorviGuiModeSettings::GetOperationModeHandlerAsString() const { return Framework::GetAsString(*this, Members::OperationModeHandler); }
+QString TorviGuiModeSettings::OperationModeHandlerToName(const OperationModeHandler& value) const { return Framework::ToName(*this, Members::OperationModeHandler, value); }
+TorviGuiModeSettings::OperationModeHandler TorviGuiModeSettings::NameToOperationModeHandler(const QString& name) const { return Framework::FromName(*this, Members::OperationModeHandler, name); }
+QStringList TorviGuiModeSettings::GetOperationModeHandlers() { return Framework::Names(Members::OperationModeHandler); }
+QStringList TorviGuiModeSettings::GetGUIOperationModeHandlers() { return Framework::DisplayNames(Members::OperationModeHandler); }
+
+// Translation: source texts are UTF-8, so trUtf8() translates as tr() does.
+
+QString TorviGuiModeSettings::trUtf8(const char* sourceText, const char* disambiguation, int n) { return tr(sourceText, disambiguation, n); }
+
+// Representations and validation.
+
+void TorviGuiModeSettings::Check(bool flag) const { Validation::Check(*this, flag); }
+void TorviGuiModeSettings::Check() const { Check(false); }
+void TorviGuiModeSettings::GetXml(QXmlStreamWriter& writer) const { Xml::Write(*this, writer); }
+bool TorviGuiModeSettings::GetBinary(QDataStream& stream, int id, bool writeId) const { return Binary::Write(*this, stream, id, writeId); }
+void TorviGuiModeSettings::SetBinary(QDataStream& stream, int length) { Binary::Read(*this, stream, length); }
+void TorviGuiModeSettings::ProcessXml(QXmlStreamReader& reader) { Xml::Read(*this, reader); }
+void TorviGuiModeSettings::ProcessXmlStartElement(QXmlStreamReader& reader) { Xml::ReadChild(*this, reader); }
+void TorviGuiModeSettings::SetValidate(bool validate) const { Validation::SetValidate(*this, validate); }
+void TorviGuiModeSettings::SetLogger(std::shared_ptr<REPORTGENERATOR::Logger> logger) const { Validation::SetLogger(*this, logger); }
+void TorviGuiModeSettings::SetObjectType(REPORTGENERATOR::ObjectTypes) {}
 
 } // namespace TORVIXML

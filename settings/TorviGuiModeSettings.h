@@ -83,11 +83,16 @@ public:
     /// Translated display names (context "QObject"), index k for value k.
     static QStringList GetGUIOperationModeHandlers();
 
-    // Translation in the context "TORVIXML::TorviGuiModeSettings".
-    static QString tr(const char* sourceText, const char* disambiguation = nullptr);
-    static QString tr(const char* sourceText, const char* disambiguation, int n);
-    static QString trUtf8(const char* sourceText, const char* disambiguation = nullptr);
-    static QString trUtf8(const char* sourceText, const char* disambiguation, int n);
+    // Translation in the context "TORVIXML::TorviGuiModeSettings": tr() is
+    // Qt's (the deprecated trUtf8() that Qt 5 declares with it is left out),
+    // trUtf8() is the class's own, as Qt 6 has none.
+#pragma push_macro("QT_DECLARE_DEPRECATED_TR_FUNCTIONS")
+#undef QT_DECLARE_DEPRECATED_TR_FUNCTIONS
+#define QT_DECLARE_DEPRECATED_TR_FUNCTIONS(context)
+    Q_DECLARE_TR_FUNCTIONS(TORVIXML::TorviGuiModeSettings)
+#pragma pop_macro("QT_DECLARE_DEPRECATED_TR_FUNCTIONS")
+public:
+    static QString trUtf8(const char* sourceText, const char* disambiguation = nullptr, int n = -1);
 
     // Representations and validation.
     void Check(bool flag) const override;
@@ -105,17 +110,11 @@ protected:
     void ProcessXmlStartElement(QXmlStreamReader& reader) override;
 
 private:
-    TorviGuiModeSettings(Framework::CloneTag, const TorviGuiModeSettings& other);
+    // The generic code that the operations above call into.
+    friend struct Framework::Access<TorviGuiModeSettings>;
 
     void InitData() const;
     void ConstNoClearReset() const;
-    // Check(), GetXml() and GetBinary() without re-applying the flag and the
-    // logger first: for the elements of a list whose owner has just done that
-    // for the whole tree below it (and checked it, in validation mode).
-    void CheckMembers(bool flag) const;
-    void WriteXmlElement(QXmlStreamWriter& writer) const;
-    void WriteBinaryFrame(QDataStream& stream, int id, bool writeId) const;
-    void AppendRead(DataOperationMode&& element);
 
     mutable QSharedDataPointer<TorviGuiModeSettingsData> d;
 };

@@ -1,129 +1,155 @@
 #ifndef TORVIXML_VALIDATION_VALIDATION_H
 #define TORVIXML_VALIDATION_VALIDATION_H
 
-// How the validation flag and the logger travel down the tree, the steps
-// every writer and reader runs first, and the completeness test of Check().
+// How the validation flag and the logger travel down the tree, the step
+// every writer and reader runs first, and the completeness check, written
+// once over the member tables.
 
 #include "IRGObject.h"
 #include "OutOfRangeException.h"
 
-#include "MemberRecord.h"
+#include "MemberState.h"
+#include "MemberTable.h"
 #include "Messages.h"
 
 #include <QVector>
 
 #include <memory>
+#include <utility>
 
 namespace TORVIXML {
 namespace Validation {
 
-/// Hands a parent's flag to every element of one of its lists (and, through
-/// the elements' own SetValidate, to theirs). The list is iterated through
-/// its detaching access, so no element shared with another list is touched.
-template <typename T>
-void HandDownValidate(QVector<T>& list, bool validate)
-{
-    for (T& element : list)
-        element.SetValidate(validate);
-}
-
-template <typename T>
-void HandDownLogger(QVector<T>& list, const std::shared_ptr<REPORTGENERATOR::Logger>& logger)
-{
-    for (T& element : list)
-        element.SetLogger(logger);
-}
-
 /// Re-applies an object's own flag and logger through its virtual
-/// operations, which pushes both to every list element below it.
+/// operations, which hand both down to every list element below it.
 inline void Reapply(const REPORTGENERATOR::IRGObject& object)
 {
     object.SetValidate(object.GetValidate());
     object.SetLogger(object.GetLogger());
 }
 
-/// The write prologue: re-apply flag and logger; in validation mode check
-/// the object (a failure propagates) and write nothing for an object
+/// Hands a flag to the elements of a list (and, through the elements' own
+/// SetValidate, to theirs). While the owner's XML content is walked, the
+/// leading elements that hold the flag already are passed over.
+template <typename T>
+void HandDownValidate(Framework::ListField<T>& field, bool validate)
+{
+    Framework::HandedDown& done = field.handedDown;
+    const int from = done.Active() && done.validate == validate ? done.validateCount : 0;
+    for (int i = from; i < field.list.size(); ++i)
+        field.list[i].SetValidate(validate);
+    if (done.Active()) {
+        done.validateCount = field.list.size();
+        done.validate = validate;
+    }
+}
+
+template <typename T>
+void HandDownLogger(Framework::ListField<T>& field, const std::shared_ptr<REPORTGENERATOR::Logger>& logger)
+{
+    Framework::HandedDown& done = field.handedDown;
+    const int from = done.Active() && done.logger == logger.get() ? done.loggerCount : 0;
+    for (int i = from; i < field.list.size(); ++i)
+        field.list[i].SetLogger(logger);
+    if (done.Active()) {
+        done.loggerCount = field.list.size();
+        done.logger = logger.get();
+    }
+}
+
+/// SetValidate() of every class: the base's operation; the record made the
+/// object's own; the flag to every element of every list.
+template <typename Class>
+void SetValidate(const Class& object, bool validate)
+{
+    object.REPORTGENERATOR::IRGObject::SetValidate(validate);
+    auto& d = Framework::Access<Class>::Record(object);
+    d.detach();
+    if (!d)
+        return;
+    Framework::ForEachMember(Framework::Members<Class>::Rows(), [&](const auto& row) {
+        if constexpr (Framework::IsList<decltype(row)>)
+            HandDownValidate((*d).*row.field, validate);
+    });
+}
+
+/// SetLogger() of every class: the base's operation, then the logger to
+/// every element of every list once the object has a record.
+template <typename Class>
+void SetLogger(const Class& object, const std::shared_ptr<REPORTGENERATOR::Logger>& logger)
+{
+    object.REPORTGENERATOR::IRGObject::SetLogger(logger);
+    auto& d = Framework::Access<Class>::Record(object);
+    if (!d)
+        return;
+    Framework::ForEachMember(Framework::Members<Class>::Rows(), [&](const auto& row) {
+        if constexpr (Framework::IsList<decltype(row)>)
+            HandDownLogger((*d).*row.field, logger);
+    });
+}
+
+/// The write prologue: flag and logger re-applied; in validation mode the
+/// object checked (a failure propagates) and nothing written for an object
 /// without data. Returns whether the object is to be written.
 inline bool WritePrologue(const REPORTGENERATOR::IRGObject& object)
 {
-    if (!object.GetValidate()) {
-        Reapply(object);
+    Reapply(object);
+    if (!object.GetValidate())
         return true;
-    }
-    // Check() re-applies flag and logger itself.
     object.Check();
     return object.HasData();
 }
 
-/// Whether the elements of a list may be written without their own write
-/// prologue, because their owner's prologue already did all it would do:
-/// it handed flag and logger down to them, and in validation mode its
-/// Check() checked them (it does so when the list is marked set), and an
-/// object that passes its check has data.
-inline bool ElementsPrepared(bool validate, bool listSet)
+/// Whether a scalar member is complete: set, and an enumeration inside its
+/// name table, a string not null.
+template <typename Data, typename E>
+bool IsComplete(Data& data, const Framework::EnumMember<Data, E>& row)
 {
-    return !validate || listSet;
+    return data.IsSet(row.bit) && row.names().Contains((data.*row.field).value);
+}
+template <typename Data>
+bool IsComplete(Data& data, const Framework::TextMember<Data>& row)
+{
+    return data.IsSet(row.bit) && !(data.*row.field).value.isNull();
 }
 
-/// The re-application at the start of every child element while an XML
-/// element's content is walked. Doing the full hand-down for every child
-/// would make reading a list quadratic; within one walk only the parent
-/// itself changes its list, and only by appending, so the elements that
-/// already received the flag and logger keep them and just the ones appended
-/// since the previous child need them. The result is the same as a full
-/// hand-down.
-template <typename T>
-void ReapplyWhileReading(const REPORTGENERATOR::IRGObject& object, Framework::ListField<T>& field)
+/// The check walk below Check(bool), once flag and logger have been
+/// re-applied to the whole tree: the elements of every list marked set,
+/// depth first, then the object's scalar members in member order. The
+/// first incomplete member throws "<object name>: Please set <member>
+/// properly.". The flag is handed on and not acted on.
+template <typename Class>
+void CheckMembers(const Class& object, bool flag)
 {
-    const bool validate = object.GetValidate();
-    const std::shared_ptr<REPORTGENERATOR::Logger> logger = object.GetLogger();
-    object.REPORTGENERATOR::IRGObject::SetValidate(validate);
-    object.REPORTGENERATOR::IRGObject::SetLogger(logger);
-    const int from = field.handedDown > 0 ? field.handedDown : 0;
-    for (int i = from; i < field.list.size(); ++i) {
-        field.list[i].SetValidate(validate);
-        field.list[i].SetLogger(logger);
-    }
-    if (field.handedDown >= 0)
-        field.handedDown = field.list.size();
+    auto& data = Framework::RecordOf(object);
+    const auto rows = Framework::Members<Class>::Rows();
+    Framework::ForEachMember(rows, [&](const auto& row) {
+        if constexpr (Framework::IsList<decltype(row)>) {
+            if (data.IsSet(row.bit)) {
+                for (const auto& element : std::as_const((data.*row.field).list))
+                    CheckMembers(element, flag);
+            }
+        }
+    });
+    Framework::ForEachMember(rows, [&](const auto& row) {
+        if constexpr (!Framework::IsList<decltype(row)>) {
+            if (!IsComplete(data, row))
+                throw OutOfRangeException(Framework::PleaseSetMessage(object.GetObjectName(), row.name));
+        }
+    });
 }
 
-/// Check(): a member that is not complete fails with
-/// "<object name>: Please set <label> properly.".
-inline void Require(const REPORTGENERATOR::IRGObject& object, bool complete, const char* label)
+/// Check(bool) of every class: flag and logger re-applied down the tree,
+/// then the check walk. An element's own Check(bool) would re-apply what
+/// the walk's start has just handed down, so the walk goes on below it.
+template <typename Class>
+void Check(const Class& object, bool flag)
 {
-    if (!complete)
-        throw OutOfRangeException(Framework::PleaseSetMessage(object.GetObjectName(), label));
+    Reapply(object);
+    CheckMembers(object, flag);
 }
 
 } // namespace Validation
 } // namespace TORVIXML
-
-// Check(bool) of every class: flag and logger re-applied down the tree, then
-// the members checked, list elements first.
-#define TORVIXML_CHECK_ENTRY(Class)                                                            \
-    void Class::Check(bool flag) const                                                         \
-    {                                                                                          \
-        Validation::Reapply(*this);                                                            \
-        CheckMembers(flag);                                                                    \
-    }
-
-// SetValidate() and SetLogger() of a class with a list member FIELD: the
-// base's operation, then the same to every element of the list, once the
-// object has a record.
-#define TORVIXML_HAND_DOWN(Class, FIELD)                                                       \
-    void Class::SetValidate(bool validate) const                                               \
-    {                                                                                          \
-        IRGObject::SetValidate(validate);                                                      \
-        if (d)                                                                                 \
-            Validation::HandDownValidate(d->FIELD.list, validate);                             \
-    }                                                                                          \
-    void Class::SetLogger(std::shared_ptr<REPORTGENERATOR::Logger> logger) const               \
-    {                                                                                          \
-        IRGObject::SetLogger(logger);                                                          \
-        if (d)                                                                                 \
-            Validation::HandDownLogger(d->FIELD.list, logger);                                 \
-    }
 
 #endif

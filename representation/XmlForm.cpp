@@ -1,9 +1,9 @@
-#include "XmlSupport.h"
+#include "XmlForm.h"
 
 namespace TORVIXML {
 namespace Xml {
 
-QString NameText(QString text)
+QString ElementText(QString text)
 {
     if (text.isEmpty())
         return QStringLiteral("");
