@@ -15,10 +15,6 @@ namespace TorviTool {
 
 namespace {
 
-using TORVIXML::DataOperationMode;
-using TORVIXML::GuiComponentSettings;
-using TORVIXML::TorviGuiModeSettings;
-
 quint32 bigEndian32(const char* p)
 {
     const auto* u = reinterpret_cast<const uchar*>(p);
@@ -42,90 +38,61 @@ QString bytesText(qint64 count)
 }
 
 // ---------------------------------------------------------------------------
-// What the walker knows about the three classes.
+// What the walker knows about the three classes, from the library.
 
-enum class ClassKind { Root, Mode, Component };
-enum class PayloadKind { Text, Enum, List };
+using TORVIXML::ClassDescription;
+using TORVIXML::MemberDescription;
 
-struct MemberInfo
+const QVector<ClassDescription>& classes()
 {
-    qint32 id;
-    const char* name;
-    PayloadKind payload;
-    ClassKind listOf;                // List only
-    QStringList (*enumNames)();      // Enum only
-};
-
-struct ClassInfo
-{
-    ClassKind kind;
-    const char* name;
-    qint32 classId;
-    const MemberInfo* members;
-    int memberCount;
-};
-
-const MemberInfo rootMembers[] = {
-    {-1785428698, "DataOperationMode", PayloadKind::List, ClassKind::Mode, nullptr},
-    {1861080544, "OperationModeHandler", PayloadKind::Enum, ClassKind::Root,
-     &TorviGuiModeSettings::GetOperationModeHandlers},
-};
-const MemberInfo modeMembers[] = {
-    {1490308454, "Name", PayloadKind::Text, ClassKind::Mode, nullptr},
-    {-1059801328, "GuiComponentSettings", PayloadKind::List, ClassKind::Component, nullptr},
-};
-const MemberInfo componentMembers[] = {
-    {1490308454, "Name", PayloadKind::Text, ClassKind::Component, nullptr},
-    {249323652, "GuiComponentUsage", PayloadKind::Enum, ClassKind::Component,
-     &GuiComponentSettings::GetGuiComponentUsages},
-    {388603748, "DockWidgetLocation", PayloadKind::Enum, ClassKind::Component,
-     &GuiComponentSettings::GetDockWidgetLocations},
-};
-
-const ClassInfo classes[] = {
-    {ClassKind::Root, "TorviGuiModeSettings", qint32(TorviGuiModeSettings::id), rootMembers, 2},
-    {ClassKind::Mode, "DataOperationMode", qint32(DataOperationMode::id), modeMembers, 2},
-    {ClassKind::Component, "GuiComponentSettings", qint32(GuiComponentSettings::id), componentMembers, 3},
-};
-
-const ClassInfo& classInfo(ClassKind kind)
-{
-    for (const ClassInfo& info : classes) {
-        if (info.kind == kind)
-            return info;
-    }
-    return classes[0];
+    static const QVector<ClassDescription> all = TORVIXML::SettingsClasses();
+    return all;
 }
 
-const ClassInfo* classForId(qint32 id)
+// The class read when a document's id names none.
+const ClassDescription& rootClass()
 {
-    for (const ClassInfo& info : classes) {
-        if (info.classId == id)
+    return classes().first();
+}
+
+const ClassDescription* classNamed(const QString& name)
+{
+    for (const ClassDescription& info : classes()) {
+        if (info.name == name)
             return &info;
     }
     return nullptr;
 }
 
-const MemberInfo* memberOf(const ClassInfo& cls, qint32 id)
+const ClassDescription* classForId(qint32 id)
 {
-    for (int i = 0; i < cls.memberCount; ++i) {
-        if (cls.members[i].id == id)
-            return &cls.members[i];
+    for (const ClassDescription& info : classes()) {
+        if (qint32(info.id) == id)
+            return &info;
     }
     return nullptr;
 }
 
-const char* payloadName(PayloadKind kind)
+const MemberDescription* memberOf(const ClassDescription& cls, qint32 id)
+{
+    for (const MemberDescription& member : cls.members) {
+        if (member.binaryId == id)
+            return &member;
+    }
+    return nullptr;
+}
+
+QString payloadName(MemberDescription::Kind kind)
 {
     switch (kind) {
-    case PayloadKind::Text:
-        return "text";
-    case PayloadKind::Enum:
-        return "enum";
-    case PayloadKind::List:
-        return "list";
+    case MemberDescription::String:
+        return QStringLiteral("text");
+    case MemberDescription::Enumeration:
+        return QStringLiteral("enum");
+    case MemberDescription::List:
+        return QStringLiteral("list");
     }
-    return "";
+    return QString();
 }
 
 // "DataOperationMode.Name, GuiComponentSettings.Name": the classes that do
@@ -133,9 +100,9 @@ const char* payloadName(PayloadKind kind)
 QString ownersOf(qint32 id)
 {
     QStringList owners;
-    for (const ClassInfo& cls : classes) {
-        if (const MemberInfo* member = memberOf(cls, id))
-            owners << QStringLiteral("%1.%2").arg(QLatin1String(cls.name), QLatin1String(member->name));
+    for (const ClassDescription& cls : classes()) {
+        if (const MemberDescription* member = memberOf(cls, id))
+            owners << QStringLiteral("%1.%2").arg(cls.name, member->name);
     }
     return owners.join(QStringLiteral(", "));
 }
@@ -155,12 +122,12 @@ public:
     WalkSummary walkDocument();
 
 private:
-    qint64 walkObject(const ClassInfo& cls, qint64 pos, qint64 limit, int depth, const QString& prefix,
+    qint64 walkObject(const ClassDescription& cls, qint64 pos, qint64 limit, int depth, const QString& prefix,
                       const QString& limitName);
-    qint64 walkText(const MemberInfo& member, qint64 pos, qint64 end, qint64 objectEnd, int depth);
-    qint64 walkList(const MemberInfo& member, qint64 pos, qint64 end, int depth);
+    qint64 walkText(const MemberDescription& member, qint64 pos, qint64 end, qint64 objectEnd, int depth);
+    qint64 walkList(const MemberDescription& member, qint64 pos, qint64 end, int depth);
     void walkUnknown(qint64 pos, qint64 end, int depth);
-    bool recordCanStartAt(const ClassInfo& cls, qint64 pos, qint64 objectEnd) const;
+    bool recordCanStartAt(const ClassDescription& cls, qint64 pos, qint64 objectEnd) const;
 
     // Callers make sure that pos + 4 <= m_size.
     qint32 word(qint64 pos) const { return qint32(bigEndian32(m_bytes.constData() + pos)); }
@@ -191,13 +158,13 @@ WalkSummary Walker::walkDocument()
         return m_summary;
     }
     const qint32 id = word(0);
-    const ClassInfo* cls = classForId(id);
+    const ClassDescription* cls = classForId(id);
     if (cls) {
-        line(0, 0, QStringLiteral("id %1 = class id of %2").arg(idText(id), QLatin1String(cls->name)));
+        line(0, 0, QStringLiteral("id %1 = class id of %2").arg(idText(id), cls->name));
     } else {
-        cls = &classInfo(ClassKind::Root);
+        cls = &rootClass();
         error(0, 0, QStringLiteral("id %1 is not the class id of any settings class; read as %2")
-                        .arg(idText(id), QLatin1String(cls->name)));
+                        .arg(idText(id), cls->name));
     }
     const qint64 end = walkObject(*cls, 4, m_size, 0, QString(), QStringLiteral("the data"));
     if (end < m_size)
@@ -208,7 +175,7 @@ WalkSummary Walker::walkDocument()
 // An object frame without its id: the object length at pos, then member
 // records up to the end the object length gives, which must not pass limit.
 // Returns where the object ends (never before pos + 4, never after limit).
-qint64 Walker::walkObject(const ClassInfo& cls, qint64 pos, qint64 limit, int depth, const QString& prefix,
+qint64 Walker::walkObject(const ClassDescription& cls, qint64 pos, qint64 limit, int depth, const QString& prefix,
                           const QString& limitName)
 {
     if (limit - pos < 4) {
@@ -240,13 +207,13 @@ qint64 Walker::walkObject(const ClassInfo& cls, qint64 pos, qint64 limit, int de
         }
         const qint32 memberId = word(p);
         const qint32 recordLength = word(p + 4);
-        const MemberInfo* member = memberOf(cls, memberId);
+        const MemberDescription* member = memberOf(cls, memberId);
         QString what;
         if (member) {
-            what = QStringLiteral("%1.%2 (%3)").arg(QLatin1String(cls.name), QLatin1String(member->name),
-                                                    QLatin1String(payloadName(member->payload)));
+            what = QStringLiteral("%1.%2 (%3)").arg(cls.name, member->name,
+                                                    payloadName(member->kind));
         } else {
-            what = QStringLiteral("unknown in %1").arg(QLatin1String(cls.name));
+            what = QStringLiteral("unknown in %1").arg(cls.name);
             const QString owners = ownersOf(memberId);
             if (!owners.isEmpty())
                 what += QStringLiteral(" (member id of %1)").arg(owners);
@@ -267,14 +234,14 @@ qint64 Walker::walkObject(const ClassInfo& cls, qint64 pos, qint64 limit, int de
         const bool overrun = recordEnd > objectEnd;
         if (overrun) {
             error(p + 4, depth + 2, QStringLiteral("record length %1 runs past the end of %2 at %3 by %4")
-                                        .arg(recordLength).arg(QLatin1String(cls.name)).arg(objectEnd)
+                                        .arg(recordLength).arg(cls.name).arg(objectEnd)
                                         .arg(bytesText(recordEnd - objectEnd)));
             recordEnd = objectEnd;
         }
         qint64 payloadEnd = recordEnd;
         if (!member)
             walkUnknown(p + 8, recordEnd, depth + 2);
-        else if (member->payload == PayloadKind::List)
+        else if (member->kind == MemberDescription::List)
             payloadEnd = walkList(*member, p + 8, recordEnd, depth + 2);
         else
             payloadEnd = walkText(*member, p + 8, recordEnd, objectEnd, depth + 2);
@@ -290,13 +257,13 @@ qint64 Walker::walkObject(const ClassInfo& cls, qint64 pos, qint64 limit, int de
             p = payloadEnd;
         }
     }
-    line(p, depth, QStringLiteral("end of %1").arg(QLatin1String(cls.name)));
+    line(p, depth, QStringLiteral("end of %1").arg(cls.name));
     return objectEnd;
 }
 
 // Whether a member record of the class can start at pos: the end of the
 // object, or a member id of the class with a record length that fits.
-bool Walker::recordCanStartAt(const ClassInfo& cls, qint64 pos, qint64 objectEnd) const
+bool Walker::recordCanStartAt(const ClassDescription& cls, qint64 pos, qint64 objectEnd) const
 {
     if (pos == objectEnd)
         return true;
@@ -310,7 +277,7 @@ bool Walker::recordCanStartAt(const ClassInfo& cls, qint64 pos, qint64 objectEnd
 // that many bytes of UTF-8. Returns where the payload ends, or -1 when that
 // cannot be told. A text that runs past the record's end is still shown as
 // far as the object holds it.
-qint64 Walker::walkText(const MemberInfo& member, qint64 pos, qint64 end, qint64 objectEnd, int depth)
+qint64 Walker::walkText(const MemberDescription& member, qint64 pos, qint64 end, qint64 objectEnd, int depth)
 {
     if (end - pos < 4) {
         error(pos, depth, QStringLiteral("only %1 left in the record: too few for a byte count")
@@ -321,8 +288,8 @@ qint64 Walker::walkText(const MemberInfo& member, qint64 pos, qint64 end, qint64
     qint64 payloadEnd = pos + 4;
     if (count == 0xFFFFFFFFu) {
         QString text = QStringLiteral("byte count 0xFFFFFFFF: null text");
-        if (member.payload == PayloadKind::Enum)
-            text += QStringLiteral(" (no name of %1)").arg(QLatin1String(member.name));
+        if (member.kind == MemberDescription::Enumeration)
+            text += QStringLiteral(" (no name of %1)").arg(member.name);
         line(pos, depth, text);
     } else {
         line(pos, depth, QStringLiteral("byte count %1").arg(count));
@@ -337,12 +304,12 @@ qint64 Walker::walkText(const MemberInfo& member, qint64 pos, qint64 end, qint64
         QString text = QStringLiteral("text ") + quotedUtf8(bytes, &validUtf8);
         if (!validUtf8)
             text += QStringLiteral(" (not valid UTF-8)");
-        if (member.payload == PayloadKind::Enum) {
-            const int value = validUtf8 ? member.enumNames().indexOf(QString::fromUtf8(bytes)) : -1;
+        if (member.kind == MemberDescription::Enumeration) {
+            const int value = validUtf8 ? member.enumerationNames.indexOf(QString::fromUtf8(bytes)) : -1;
             if (value >= 0)
                 text += QStringLiteral(" -> value %1").arg(value);
             else
-                text += QStringLiteral(" (not a name of %1)").arg(QLatin1String(member.name));
+                text += QStringLiteral(" (not a name of %1)").arg(member.name);
         }
         WalkLine textLine{payloadEnd, depth, text};
         textLine.value = QString::fromUtf8(bytes);
@@ -357,7 +324,7 @@ qint64 Walker::walkText(const MemberInfo& member, qint64 pos, qint64 end, qint64
 // A list payload: the element count, then that many element frames (object
 // length and member records, no id), each delimiting itself. Returns where
 // the last element ends, or -1 when that cannot be told.
-qint64 Walker::walkList(const MemberInfo& member, qint64 pos, qint64 end, int depth)
+qint64 Walker::walkList(const MemberDescription& member, qint64 pos, qint64 end, int depth)
 {
     if (end - pos < 4) {
         error(pos, depth, QStringLiteral("only %1 left in the record: too few for an element count")
@@ -367,7 +334,7 @@ qint64 Walker::walkList(const MemberInfo& member, qint64 pos, qint64 end, int de
     const qint32 count = word(pos);
     line(pos, depth, count > 0 ? QStringLiteral("element count %1").arg(count)
                                : QStringLiteral("element count %1 (no elements)").arg(count));
-    const ClassInfo& elementClass = classInfo(member.listOf);
+    const ClassDescription& elementClass = *classNamed(member.name);
     qint64 p = pos + 4;
     for (qint32 i = 0; i < count; ++i) {
         if (p >= end) {
@@ -376,7 +343,7 @@ qint64 Walker::walkList(const MemberInfo& member, qint64 pos, qint64 end, int de
             return -1;
         }
         const QString prefix = QStringLiteral("element %1 of %2: %3, ").arg(i + 1).arg(count)
-                                   .arg(QLatin1String(elementClass.name));
+                                   .arg(elementClass.name);
         p = walkObject(elementClass, p, end, depth, prefix, QStringLiteral("the record"));
     }
     if (p < end)

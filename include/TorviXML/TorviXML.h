@@ -2,8 +2,9 @@
 #define TORVIXML_TORVIXML_H
 
 // Every public type of TorviXML: the report-object base (IRGObject, Logger,
-// ObjectTypes, the exceptions), the three settings classes and the
-// library's version (TORVIXML_VERSION_STRING).
+// ObjectTypes, the exceptions), the three settings classes with the
+// description of their members (SettingsClasses) and the library's version
+// (TORVIXML_VERSION_STRING).
 
 #include "BinaryParsingException.h"
 #include "IRGObject.h"
@@ -16,6 +17,7 @@
 
 #include "DataOperationMode.h"
 #include "GuiComponentSettings.h"
+#include "SettingsClasses.h"
 #include "TorviGuiModeSettings.h"
 
 #include "torvixml_version.h"
