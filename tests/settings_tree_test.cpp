@@ -735,6 +735,55 @@ TEST(SettingsTreeIdentity, ClassIdsNamesTypesAndExceptionClasses)
     EXPECT_FALSE(validated.IsDataOperationModeSet());
 }
 
+// The description of the classes that tools read: every member with its
+// kind, bit, XML form, binary member id, write order and names, as the
+// stored forms show them.
+TEST(SettingsTreeIdentity, SettingsClassesDescribeEveryMember)
+{
+    const auto line = [](const TORVIXML::ClassDescription& cls) {
+        static const char* const kinds[] = {"enum", "string", "list"};
+        static const char* const forms[] = {"attribute", "text element", "child elements"};
+        QString text = cls.name + QStringLiteral(" %1:").arg(cls.id);
+        for (const TORVIXML::MemberDescription& m : cls.members) {
+            text += QStringLiteral(" %1 %2 bit %3, %4, id %5, written %6")
+                        .arg(m.name, QLatin1String(kinds[m.kind]))
+                        .arg(m.bit)
+                        .arg(QLatin1String(forms[m.xmlForm]))
+                        .arg(m.binaryId)
+                        .arg(m.writeOrder);
+            if (!m.enumerationNames.isEmpty())
+                text += QStringLiteral(" [") + m.enumerationNames.join(QLatin1Char('|')) + QLatin1Char(']');
+            text += QLatin1Char(';');
+        }
+        return text;
+    };
+    const QVector<TORVIXML::ClassDescription> classes = TORVIXML::SettingsClasses();
+    ASSERT_EQ(classes.size(), 3);
+    EXPECT_EQ(line(classes[0]),
+              QStringLiteral("TorviGuiModeSettings %1: DataOperationMode list bit 0, child elements, id %2, written 0;"
+                             " OperationModeHandler enum bit 1, text element, id %3, written 1 [TX470ManagementComponent"
+                             "|PMR830ManagementComponent|QLSManagementComponent|VbkManagementComponent];")
+                  .arg(kRootId)
+                  .arg(kModeListId)
+                  .arg(kHandlerId));
+    EXPECT_EQ(line(classes[1]),
+              QStringLiteral("DataOperationMode %1: GuiComponentSettings list bit 0, child elements, id %2, written 1;"
+                             " Name string bit 1, attribute, id %3, written 0;")
+                  .arg(kModeId)
+                  .arg(kComponentListId)
+                  .arg(kNameId));
+    EXPECT_EQ(line(classes[2]),
+              QStringLiteral("GuiComponentSettings %1: GuiComponentUsage enum bit 0, text element, id %2, written 1"
+                             " [AVAILABLE|DEFAULT_DISPLAY]; DockWidgetLocation enum bit 1, text element, id %3, written 2"
+                             " [LeftDockWidgetArea|RightDockWidgetArea|TopDockWidgetArea|BottomDockWidgetArea"
+                             "|CenterDockWidgetArea|FloatingDockWidgetArea |NoDockWidgetArea]; Name string bit 2,"
+                             " attribute, id %4, written 0;")
+                  .arg(kComponentId)
+                  .arg(kUsageId)
+                  .arg(kLocationId)
+                  .arg(kNameId));
+}
+
 // Moving hands the whole object over, flag and logger included, and leaves
 // the source as a new object of its class; move assignment keeps the
 // target's flag and logger like the copy assignment.

@@ -98,6 +98,56 @@ const GuiComponentSettings& ComponentAt(const DataOperationMode& mode, int i)
     return mode.GetGuiComponentSettings().at(i);
 }
 
+// A settings class that notes every call of its SetValidate and SetLogger,
+// and every child element that its ProcessXmlStartElement is handed.
+template <typename Base>
+class Noting : public Base
+{
+public:
+    mutable QStringList calls;
+    const std::shared_ptr<Logger> own = std::make_shared<Logger>();
+
+    void SetValidate(bool validate) const override
+    {
+        calls << (validate ? QStringLiteral("SetValidate(true)") : QStringLiteral("SetValidate(false)"));
+        Base::SetValidate(validate);
+    }
+    void SetLogger(std::shared_ptr<Logger> logger) const override
+    {
+        calls << (logger == own ? QStringLiteral("SetLogger(own)") : QStringLiteral("SetLogger(other)"));
+        Base::SetLogger(std::move(logger));
+    }
+
+protected:
+    void ProcessXmlStartElement(QXmlStreamReader& reader) override
+    {
+        calls << reader.name().toString();
+        Base::ProcessXmlStartElement(reader);
+    }
+};
+
+// Reads xml into a new object of class T in validation mode with a logger
+// of its own; returns the calls noted during the read.
+template <typename T>
+QStringList NotedRead(Noting<T>& object, const QString& xml)
+{
+    object.SetValidate(true);
+    object.SetLogger(object.own);
+    object.calls.clear();
+    EXPECT_TRUE(object.SetXmlString(xml, false));
+    return object.calls;
+}
+
+// What a read notes: the record is created (InitData re-applies flag and
+// logger), then each child is handed in and first re-applies both.
+QStringList ReappliedAt(const QStringList& children)
+{
+    QStringList calls = {QStringLiteral("SetValidate(true)"), QStringLiteral("SetLogger(own)")};
+    for (const QString& child : children)
+        calls << child << QStringLiteral("SetValidate(true)") << QStringLiteral("SetLogger(own)");
+    return calls;
+}
+
 } // namespace
 
 TEST(XmlRepresentation, ExampleIsWrittenExactlyAndReadsBackEqual)
@@ -886,4 +936,39 @@ TEST(XmlRepresentation, FlagAndLoggerOfReadElements)
     ASSERT_EQ(mode.GetGuiComponentSettings().size(), 2);
     EXPECT_EQ(ComponentAt(mode, 0).GetLogger(), logger);
     EXPECT_EQ(ComponentAt(mode, 1).GetLogger(), nullptr);
+}
+
+// Every ProcessXmlStartElement re-applies the object's own flag and logger
+// through its virtual operations before it looks at the child, whatever
+// the child is, so a class that overrides them sees each re-application.
+TEST(XmlRepresentation, EveryChildReappliesFlagAndLoggerThroughTheVirtualOperations)
+{
+    Noting<TorviGuiModeSettings> root;
+    EXPECT_EQ(NotedRead(root, QStringLiteral("<TorviGuiModeSettings><DataOperationMode Name=\"M\"/><Extra><x/></Extra>"
+                                             "<OperationModeHandler>VbkManagementComponent</OperationModeHandler>"
+                                             "</TorviGuiModeSettings>")),
+              ReappliedAt({QStringLiteral("DataOperationMode"), QStringLiteral("Extra"),
+                           QStringLiteral("OperationModeHandler")}));
+    EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::VbkManagementComponent);
+    ASSERT_EQ(root.GetDataOperationMode().size(), 1);
+    EXPECT_EQ(root.GetDataOperationMode().at(0).GetLogger(), root.own);
+
+    Noting<DataOperationMode> mode;
+    EXPECT_EQ(NotedRead(mode, QStringLiteral("<DataOperationMode><GuiComponentSettings Name=\"c\"><GuiComponentUsage>"
+                                             "AVAILABLE</GuiComponentUsage><DockWidgetLocation>TopDockWidgetArea"
+                                             "</DockWidgetLocation></GuiComponentSettings><Name>M</Name><Extra/>"
+                                             "</DataOperationMode>")),
+              ReappliedAt({QStringLiteral("GuiComponentSettings"), QStringLiteral("Name"), QStringLiteral("Extra")}));
+    EXPECT_EQ(mode.GetName(), QStringLiteral("M"));
+    ASSERT_EQ(mode.GetGuiComponentSettings().size(), 1);
+    EXPECT_EQ(mode.GetGuiComponentSettings().at(0).GetLogger(), mode.own);
+
+    Noting<GuiComponentSettings> component;
+    EXPECT_EQ(NotedRead(component, QStringLiteral("<GuiComponentSettings Name=\"c\"><DockWidgetLocation>"
+                                                  "TopDockWidgetArea</DockWidgetLocation><Extra/><GuiComponentUsage>"
+                                                  "DEFAULT_DISPLAY</GuiComponentUsage></GuiComponentSettings>")),
+              ReappliedAt({QStringLiteral("DockWidgetLocation"), QStringLiteral("Extra"),
+                           QStringLiteral("GuiComponentUsage")}));
+    EXPECT_TRUE(component == Component(QStringLiteral("c"), GuiComponentSettings::DEFAULT_DISPLAY,
+                                       GuiComponentSettings::TopDockWidgetArea));
 }
