@@ -38,12 +38,14 @@ int EnumNameTable::IndexOf(QLatin1String name) const
 
 int EnumNameTable::IndexOfUtf8(const char* bytes, int size) const
 {
+    // Bytes that are a name's own encoding decode to that name; others may
+    // still decode to one (the decoder drops a leading byte order mark).
     for (int i = 0; i < m_utf8.size(); ++i) {
         const QByteArray& name = m_utf8.at(i);
         if (name.size() == size && std::memcmp(name.constData(), bytes, size_t(size)) == 0)
             return i;
     }
-    return -1;
+    return IndexOf(QString::fromUtf8(bytes, size));
 }
 
 QStringList EnumNameTable::DisplayNames() const

@@ -39,7 +39,8 @@ public:
     /// The name of a value encoded as UTF-8, or null for a value outside the
     /// table. Kept with the table so that writers need not encode it anew.
     const QByteArray* Utf8Name(qint32 value) const { return Contains(value) ? &m_utf8.at(value) : nullptr; }
-    /// The value whose UTF-8 name is exactly these bytes, or -1.
+    /// The value of a name given as UTF-8: the position of the name that the
+    /// bytes decode to (QString::fromUtf8), or -1.
     int IndexOfUtf8(const char* bytes, int size) const;
     /// The names translated in the context "QObject", index k for value k.
     QStringList DisplayNames() const;

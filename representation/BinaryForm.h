@@ -95,10 +95,14 @@ bool Write(const Class& object, QDataStream& stream, int id, bool writeId)
 template <typename Class>
 void ReadMembers(Class& object, Source& in, qint64 length);
 
+/// An enumeration: the value whose name the payload decodes to, or the
+/// object's invalid value, through the setter.
 template <typename Class, typename Data, typename E>
 void ReadMember(Class& object, const Framework::EnumMember<Data, E>& row, Source& in, qint32)
 {
-    Framework::Set(object, row, Framework::FromName(object, row, ReadText(in)));
+    const Utf8 name = ReadUtf8(in);
+    const int index = row.names().IndexOfUtf8(name.bytes, name.size);
+    Framework::Set(object, row, index >= 0 ? E(index) : Framework::GetInvalid(object, row));
 }
 
 template <typename Class, typename Data>

@@ -141,25 +141,11 @@ bool Source::Fill(qint64 count)
     return true;
 }
 
-quint32 Source::ReadUInt32()
+// A read that wants more than there is takes what there is.
+const char* Source::ShortRead()
 {
-    const char* bytes = ReadBytes(4);
-    if (!bytes)
-        return 0;
-    return m_bigEndian ? qFromBigEndian<quint32>(bytes) : qFromLittleEndian<quint32>(bytes);
-}
-
-const char* Source::ReadBytes(qint64 count)
-{
-    if (count < 0)
-        return nullptr;
-    if (!Fill(count)) {
-        m_pos = m_window.size();
-        return nullptr;
-    }
-    const char* bytes = m_window.constData() + m_pos;
-    m_pos += count;
-    return bytes;
+    m_pos = m_window.size();
+    return nullptr;
 }
 
 void Source::Skip(quint64 count)
@@ -187,24 +173,32 @@ QDataStream& Source::Lend()
     return m_stream;
 }
 
-QString ReadText(Source& in)
+Utf8 ReadUtf8(Source& in)
 {
     const quint32 count = in.ReadUInt32();
     // A null text, an empty one and a short read of the count all give 0
-    // bytes, read as an empty text.
+    // bytes.
     if (count == 0xFFFFFFFFu || count == 0)
-        return QStringLiteral("");
+        return {};
     if (count > quint32(std::numeric_limits<int>::max())) {
         // More than a byte array can hold: the payload is passed over as a
         // text of that length would be read, which in practice ends at the
         // end of the stream, with the status of a short read.
         in.Skip(count);
-        return QStringLiteral("");
+        return {};
     }
     const char* bytes = in.ReadBytes(count);
     if (!bytes)
+        return {};
+    return {bytes, int(count)};
+}
+
+QString ReadText(Source& in)
+{
+    const Utf8 text = ReadUtf8(in);
+    if (text.size == 0)
         return QStringLiteral("");
-    return QString::fromUtf8(bytes, int(count));
+    return QString::fromUtf8(text.bytes, text.size);
 }
 
 void ThrowLengthError(const REPORTGENERATOR::IRGObject& object)

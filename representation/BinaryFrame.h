@@ -12,6 +12,7 @@
 #include <QByteArray>
 #include <QDataStream>
 #include <QString>
+#include <QtEndian>
 
 class QIODevice;
 
@@ -85,9 +86,22 @@ public:
     qint64 BytesAvailable() const;
 
     qint32 ReadInt32() { return qint32(ReadUInt32()); }
-    quint32 ReadUInt32();
+    quint32 ReadUInt32()
+    {
+        const char* bytes = ReadBytes(4);
+        if (!bytes)
+            return 0;
+        return m_bigEndian ? qFromBigEndian<quint32>(bytes) : qFromLittleEndian<quint32>(bytes);
+    }
     /// count bytes, valid until the next read; null after a short read.
-    const char* ReadBytes(qint64 count);
+    const char* ReadBytes(qint64 count)
+    {
+        if (count < 0 || (m_window.size() - m_pos < count && !Fill(count)))
+            return ShortRead();
+        const char* bytes = m_window.constData() + m_pos;
+        m_pos += count;
+        return bytes;
+    }
     /// Passes over count bytes, or as many as there are.
     void Skip(quint64 count);
 
@@ -97,6 +111,7 @@ public:
 
 private:
     bool Fill(qint64 count);
+    const char* ShortRead();
     void GiveBack();
 
     QDataStream& m_stream;
@@ -107,8 +122,17 @@ private:
     bool m_bigEndian;
 };
 
-/// Reads a text payload. A null or empty array, and a short read, give an
-/// empty, non-null text.
+/// The bytes of a text payload, valid until the next read: none (size 0)
+/// for a null or empty text and after a short read.
+struct Utf8
+{
+    const char* bytes = nullptr;
+    int size = 0;
+};
+Utf8 ReadUtf8(Source& in);
+
+/// Reads a text payload: its bytes decoded, an empty, non-null text for
+/// none.
 QString ReadText(Source& in);
 
 [[noreturn]] void ThrowLengthError(const REPORTGENERATOR::IRGObject& object);

@@ -268,6 +268,19 @@ TEST(BinaryRepresentation, NullTextsAndValuesWithoutName)
     EXPECT_EQ(laxFloating.GetDockWidgetLocation(), Location(-1));
     EXPECT_EQ(MessageOf<OutOfRangeException>([&] { Read(strict, withoutBlank); }), kLocationInvalid);
 
+    // A name is looked up as its bytes decode: the decoder drops a leading
+    // byte order mark (once), and a name in another case is unknown.
+    GuiComponentSettings marked;
+    marked.SetValidate(true);
+    Read(marked, Frame(Record(kUsageId, Text("\xEF\xBB\xBF" "DEFAULT_DISPLAY"))));
+    EXPECT_EQ(marked.GetGuiComponentUsage(), GuiComponentSettings::DEFAULT_DISPLAY);
+    GuiComponentSettings twiceMarked;
+    Read(twiceMarked, Frame(Record(kUsageId, Text("\xEF\xBB\xBF\xEF\xBB\xBF" "DEFAULT_DISPLAY"))));
+    EXPECT_EQ(twiceMarked.GetGuiComponentUsage(), Usage(-1));
+    GuiComponentSettings lowerCase;
+    Read(lowerCase, Frame(Record(kUsageId, Text("available"))));
+    EXPECT_EQ(lowerCase.GetGuiComponentUsage(), Usage(-1));
+
     // Elements without data: refused by the parent in validation mode.
     const QByteArray emptyMode = Frame(Record(kModeListId, Int(1) + Frame(QByteArray())));
     TorviGuiModeSettings refusing;
