@@ -109,6 +109,7 @@ void ClearValues(Data& data)
 template <typename Class>
 const typename Members<Class>::Data& InitialRecord()
 {
+    static_assert(IsWellFormed<Class>(), "a member table needs one row per bit, in bit order, and distinct write orders");
     using Data = typename Members<Class>::Data;
     static const Data initial = [] {
         Data data;

@@ -119,6 +119,28 @@ void ForEachInWriteOrder(const Rows& rows, Fn&& fn)
     }
 }
 
+/// Whether a table is laid out as generic code expects: one row per bit of
+/// the record's flags, each row's bit its position, and the write orders a
+/// permutation of the positions.
+template <typename Class>
+constexpr bool IsWellFormed()
+{
+    constexpr auto rows = Members<Class>::Rows();
+    constexpr int count = int(std::tuple_size<decltype(rows)>::value);
+    if (count != Members<Class>::Data::MemberCount)
+        return false;
+    bool ordered = true;
+    int position = 0;
+    unsigned writeOrders = 0;
+    std::apply(
+        [&](const auto&... row) {
+            ((ordered = ordered && row.bit == position++), ...);
+            ((writeOrders |= (row.writeOrder >= 0 && row.writeOrder < count) ? 1u << row.writeOrder : 0u), ...);
+        },
+        rows);
+    return ordered && writeOrders == (1u << count) - 1;
+}
+
 /// Whether the class has a list member.
 template <typename Class>
 bool HasListMember()
