@@ -716,6 +716,10 @@ TEST(SettingsTreeIdentity, ClassIdsNamesTypesAndExceptionClasses)
     const R root = Root(0, {mode});
     EXPECT_EQ(M(mode).GetObjectName(), Q("DataOperationMode"));
     EXPECT_EQ(R(root).GetObjectName(), Q("TorviGuiModeSettings"));
+    // A copy keeps the class id, with which its whole documents start.
+    EXPECT_EQ(M(mode).GetBinaryRepresentationAsQByteArray().left(4), Int(kModeId));
+    EXPECT_EQ(R(root).GetBinaryRepresentationAsQByteArray().left(4), Int(kRootId));
+    EXPECT_EQ(G(Component("C")).GetBinaryRepresentationAsQByteArray().left(4), Int(kComponentId));
 
     M typedMode;
     R typedRoot;
