@@ -43,30 +43,15 @@ QString bytesText(qint64 count)
 using TORVIXML::ClassDescription;
 using TORVIXML::MemberDescription;
 
-const QVector<ClassDescription>& classes()
-{
-    static const QVector<ClassDescription> all = TORVIXML::SettingsClasses();
-    return all;
-}
-
 // The class read when a document's id names none.
 const ClassDescription& rootClass()
 {
-    return classes().first();
-}
-
-const ClassDescription* classNamed(const QString& name)
-{
-    for (const ClassDescription& info : classes()) {
-        if (info.name == name)
-            return &info;
-    }
-    return nullptr;
+    return settingsClasses().first();
 }
 
 const ClassDescription* classForId(qint32 id)
 {
-    for (const ClassDescription& info : classes()) {
+    for (const ClassDescription& info : settingsClasses()) {
         if (qint32(info.id) == id)
             return &info;
     }
@@ -100,7 +85,7 @@ QString payloadName(MemberDescription::Kind kind)
 QString ownersOf(qint32 id)
 {
     QStringList owners;
-    for (const ClassDescription& cls : classes()) {
+    for (const ClassDescription& cls : settingsClasses()) {
         if (const MemberDescription* member = memberOf(cls, id))
             owners << QStringLiteral("%1.%2").arg(cls.name, member->name);
     }
@@ -210,8 +195,7 @@ qint64 Walker::walkObject(const ClassDescription& cls, qint64 pos, qint64 limit,
         const MemberDescription* member = memberOf(cls, memberId);
         QString what;
         if (member) {
-            what = QStringLiteral("%1.%2 (%3)").arg(cls.name, member->name,
-                                                    payloadName(member->kind));
+            what = QStringLiteral("%1.%2 (%3)").arg(cls.name, member->name, payloadName(member->kind));
         } else {
             what = QStringLiteral("unknown in %1").arg(cls.name);
             const QString owners = ownersOf(memberId);
@@ -221,7 +205,7 @@ qint64 Walker::walkObject(const ClassDescription& cls, qint64 pos, qint64 limit,
         WalkLine recordLine{p, depth + 1, QStringLiteral("record: member id %1 = %2").arg(idText(memberId), what)};
         recordLine.recordEnd = p + 8 + qint64(recordLength);
         if (member)
-            recordLine.member = QStringLiteral("%1.%2").arg(QLatin1String(cls.name), QLatin1String(member->name));
+            recordLine.member = QStringLiteral("%1.%2").arg(cls.name, member->name);
         m_sink(recordLine);
         if (recordLength < 0) {
             line(p + 4, depth + 2, QStringLiteral("record length %1").arg(recordLength));
@@ -334,7 +318,7 @@ qint64 Walker::walkList(const MemberDescription& member, qint64 pos, qint64 end,
     const qint32 count = word(pos);
     line(pos, depth, count > 0 ? QStringLiteral("element count %1").arg(count)
                                : QStringLiteral("element count %1 (no elements)").arg(count));
-    const ClassDescription& elementClass = *classNamed(member.name);
+    const ClassDescription& elementClass = *settingsClass(member.name);
     qint64 p = pos + 4;
     for (qint32 i = 0; i < count; ++i) {
         if (p >= end) {

@@ -18,6 +18,8 @@
 #include <QTextStream>
 #include <QXmlStreamReader>
 
+#include <algorithm>
+
 namespace TorviTool {
 
 namespace {
@@ -58,23 +60,32 @@ QString plural(int count, const char* one, const char* many)
 // The names an enumeration member may hold.
 QStringList enumerationNames(const QString& memberName)
 {
-    if (memberName == QLatin1String("OperationModeHandler"))
-        return TORVIXML::TorviGuiModeSettings::GetOperationModeHandlers();
-    if (memberName == QLatin1String("GuiComponentUsage"))
-        return TORVIXML::GuiComponentSettings::GetGuiComponentUsages();
-    if (memberName == QLatin1String("DockWidgetLocation"))
-        return TORVIXML::GuiComponentSettings::GetDockWidgetLocations();
+    for (const TORVIXML::ClassDescription& cls : settingsClasses()) {
+        for (const TORVIXML::MemberDescription& member : cls.members) {
+            if (member.name == memberName && member.kind == TORVIXML::MemberDescription::Enumeration)
+                return member.enumerationNames;
+        }
+    }
     return QStringList();
 }
 
-// The members other than lists that an object must give to be complete.
+// The members other than lists that an object must give to be complete, in
+// the order they are written.
 QStringList requiredMembers(const QString& className)
 {
-    if (className == QLatin1String("TorviGuiModeSettings"))
-        return {QStringLiteral("OperationModeHandler")};
-    if (className == QLatin1String("DataOperationMode"))
-        return {QStringLiteral("Name")};
-    return {QStringLiteral("Name"), QStringLiteral("GuiComponentUsage"), QStringLiteral("DockWidgetLocation")};
+    const TORVIXML::ClassDescription* cls = settingsClass(className);
+    if (!cls)
+        return QStringList();
+    QVector<TORVIXML::MemberDescription> scalars;
+    for (const TORVIXML::MemberDescription& member : cls->members) {
+        if (member.kind != TORVIXML::MemberDescription::List)
+            scalars.append(member);
+    }
+    std::sort(scalars.begin(), scalars.end(), [](const auto& a, const auto& b) { return a.writeOrder < b.writeOrder; });
+    QStringList names;
+    for (const TORVIXML::MemberDescription& member : scalars)
+        names << member.name;
+    return names;
 }
 
 // Blanks removed, lower case: two texts that agree so differ only there.

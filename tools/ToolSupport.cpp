@@ -199,6 +199,21 @@ int parseCommandLine(QCommandLineParser& parser, const QString& command, const Q
     return -1;
 }
 
+const QVector<TORVIXML::ClassDescription>& settingsClasses()
+{
+    static const QVector<TORVIXML::ClassDescription> classes = TORVIXML::SettingsClasses();
+    return classes;
+}
+
+const TORVIXML::ClassDescription* settingsClass(const QString& name)
+{
+    for (const TORVIXML::ClassDescription& cls : settingsClasses()) {
+        if (cls.name == name)
+            return &cls;
+    }
+    return nullptr;
+}
+
 QString quoted(const QString& text)
 {
     QString result = QStringLiteral("\"");

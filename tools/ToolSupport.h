@@ -2,17 +2,20 @@
 #define TORVIXML_TOOLS_TOOLSUPPORT_H
 
 // Helpers shared by the commands of torvixml: exit codes, the output streams,
-// quoting of texts, telling XML from binary, loading a settings document with
+// what the library says about its classes, quoting of texts, telling XML from binary, loading a settings document with
 // a readable diagnosis, and atomic writing.
 
 #include <QByteArray>
 #include <QString>
+#include <QVector>
 
 class QCommandLineParser;
 class QTextStream;
 
 namespace TORVIXML {
 class TorviGuiModeSettings;
+struct ClassDescription;
+struct MemberDescription;
 }
 
 namespace TorviTool {
@@ -22,6 +25,12 @@ enum ExitCode {
     ExitInvalidInput = 1, // failed checks, parse errors, length errors
     ExitUsageOrIo = 2     // bad command line, unreadable or unwritable files
 };
+
+/// The settings classes with their members, as the library describes them
+/// (root, mode, component).
+const QVector<TORVIXML::ClassDescription>& settingsClasses();
+/// The class of that name, or null.
+const TORVIXML::ClassDescription* settingsClass(const QString& name);
 
 /// Standard output and standard error, both UTF-8.
 QTextStream& out();

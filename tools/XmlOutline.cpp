@@ -9,8 +9,7 @@ namespace TorviTool {
 
 bool isObjectElement(const QString& name)
 {
-    return name == QLatin1String("TorviGuiModeSettings") || name == QLatin1String("DataOperationMode")
-        || name == QLatin1String("GuiComponentSettings");
+    return settingsClass(name) != nullptr;
 }
 
 XmlOutline outlineXml(const QByteArray& document)
