@@ -18,6 +18,7 @@
 #include "IncompleteDefinitionException.h"
 #include "OutOfRangeException.h"
 
+#include <memory>
 #include <utility>
 
 namespace TORVIXML {
@@ -196,7 +197,24 @@ void ApplyTextDefault(const Data& data, const TextField& field, int bit, Setter&
         ConstNoClearReset();                                                                   \
     }                                                                                          \
     void Class::Check() const { Check(false); }                                                \
-    void Class::SetObjectType(REPORTGENERATOR::ObjectTypes) {}
+    void Class::SetObjectType(REPORTGENERATOR::ObjectTypes) {}                                 \
+    std::unique_ptr<REPORTGENERATOR::IRGObject> Class::CreateEmpty() const                     \
+    {                                                                                          \
+        /* Without values, but with this object's defaults and invalid */                       \
+        /* values, which decide what a read stores. */                                         \
+        auto empty = std::make_unique<Class>();                                                \
+        if (d) {                                                                               \
+            const Framework::ElementsLeftOut elementsLeftOut;                                  \
+            empty->d = new Class##Data(*d);                                                    \
+        }                                                                                      \
+        empty->Reset();                                                                        \
+        return empty;                                                                          \
+    }                                                                                          \
+    void Class::TakeContent(REPORTGENERATOR::IRGObject& source)                                \
+    {                                                                                          \
+        if (Class* read = dynamic_cast<Class*>(&source))                                       \
+            *this = std::move(*read);                                                          \
+    }
 
 // What every member has, whatever its kind: the set test, the member's reset
 // (CLEAR puts the value back), and the default, of type T in field DEFAULT.

@@ -21,6 +21,8 @@ void DataOperationMode::WriteXmlElement(QXmlStreamWriter& writer) const
     InitData();
     const bool prepared = Validation::ElementsPrepared(GetValidate(), IsGuiComponentSettingsSet());
     writer.writeStartElement(GetObjectName());
+    // Refused rather than written without the characters XML cannot hold.
+    RequireXmlText(d->m_name.value, "Name");
     writer.writeAttribute(QStringLiteral("Name"), d->m_name.value);
     for (const GuiComponentSettings& element : d->m_guiComponentSettings.list)
         prepared ? element.WriteXmlElement(writer) : element.GetXml(writer);

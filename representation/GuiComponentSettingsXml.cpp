@@ -20,6 +20,8 @@ void GuiComponentSettings::WriteXmlElement(QXmlStreamWriter& writer) const
 {
     InitData();
     writer.writeStartElement(GetObjectName());
+    // Refused rather than written without the characters XML cannot hold.
+    RequireXmlText(d->m_name.value, "Name");
     writer.writeAttribute(QStringLiteral("Name"), d->m_name.value);
     writer.writeTextElement(QStringLiteral("GuiComponentUsage"), GuiComponentUsageToName(d->m_guiComponentUsage.value));
     writer.writeTextElement(QStringLiteral("DockWidgetLocation"),
