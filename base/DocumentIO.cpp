@@ -15,15 +15,19 @@ QString SizeLimitMessage(const QString& what, qint64 size, qint64 maxSize, const
     return QStringLiteral("%1 holds %2 %3, more than %4").arg(what).arg(size).arg(unit, limit);
 }
 
-bool ReadWholeDevice(QIODevice& device, qint64 maxSize, QByteArray& data, QString& problem)
+bool ReadWholeDevice(QIODevice& device, qint64 maxSize, QByteArray& data, QString& problem, bool* tooLarge)
 {
     data.clear();
+    if (tooLarge)
+        *tooLarge = false;
     // No byte array holds more than about 2 GiB.
     maxSize = qBound<qint64>(0, maxSize, std::numeric_limits<int>::max() - (qint64(1) << 24));
     const bool known = !device.isSequential();
     const qint64 remaining = known ? device.size() - device.pos() : -1;
     if (known && remaining > maxSize) {
         problem = SizeLimitMessage(QStringLiteral("the file"), remaining, maxSize);
+        if (tooLarge)
+            *tooLarge = true;
         return false;
     }
     // Grow with what arrives, one step at a time: a device may announce
@@ -46,6 +50,8 @@ bool ReadWholeDevice(QIODevice& device, qint64 maxSize, QByteArray& data, QStrin
         if (size > maxSize) {
             data.clear();
             problem = SizeLimitMessage(known ? QStringLiteral("the file") : QStringLiteral("the input"), -1, maxSize);
+            if (tooLarge)
+                *tooLarge = true;
             return false;
         }
         if (got == 0)
@@ -59,7 +65,7 @@ bool WriteFileAtomically(const QString& path, const QByteArray& bytes, QString& 
 {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
-        problem = QStringLiteral("cannot open %1 for writing: %2").arg(path, file.errorString());
+        problem = QStringLiteral("cannot open for writing: %1").arg(file.errorString());
         return false;
     }
     // A write the system cuts short (a full disk, a file size limit) reports
@@ -72,12 +78,12 @@ bool WriteFileAtomically(const QString& path, const QByteArray& bytes, QString& 
         written += step;
     }
     if (written != bytes.size() || !file.flush()) {
-        problem = QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
+        problem = QStringLiteral("cannot write: %1").arg(file.errorString());
         file.cancelWriting(); // the temporary file goes with the object
         return false;
     }
     if (!file.commit()) {
-        problem = QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
+        problem = QStringLiteral("cannot write: %1").arg(file.errorString());
         return false;
     }
     return true;

@@ -27,13 +27,15 @@ RGBASE_EXPORT QString SizeLimitMessage(const QString& what, qint64 size, qint64 
 /// (a pipe, a terminal, a character device such as /dev/zero) is read in
 /// steps until it ends and refused as soon as it has delivered more than
 /// maxSize bytes. Returns false with data empty and a message in problem
-/// when the device holds too much or a read fails.
-RGBASE_EXPORT bool ReadWholeDevice(QIODevice& device, qint64 maxSize, QByteArray& data, QString& problem);
+/// when the device holds too much (then tooLarge, if given, is set) or a
+/// read fails.
+RGBASE_EXPORT bool ReadWholeDevice(QIODevice& device, qint64 maxSize, QByteArray& data, QString& problem,
+                                   bool* tooLarge = nullptr);
 
 /// Writes bytes to path through QSaveFile: the file is replaced only when all
 /// of them were written and committed; otherwise it is left as it was, no
 /// temporary file remains, and problem says why, in the system's words
-/// ("cannot write PATH: No space left on device").
+/// ("cannot write: No space left on device").
 RGBASE_EXPORT bool WriteFileAtomically(const QString& path, const QByteArray& bytes, QString& problem);
 
 } // namespace REPORTGENERATOR

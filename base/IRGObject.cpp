@@ -421,12 +421,12 @@ bool IRGObject::LoadXml(const QString& fileName)
 }
 
 namespace {
-// Opens a file for reading unless the caller already did, and closes it again
-// only in the first case.
+// Opens a device for reading unless the caller already did, and closes it
+// again only in the first case.
 class ReadAccess
 {
 public:
-    explicit ReadAccess(QFile* file)
+    explicit ReadAccess(QIODevice* file)
         : m_file(file)
     {
         if (!file)
@@ -447,30 +447,33 @@ public:
     bool ok() const { return m_ok; }
 
 private:
-    QFile* m_file;
+    QIODevice* m_file;
     bool m_ok = false;
     bool m_opened = false;
 };
 } // namespace
 
-bool IRGObject::ReadFile(QFile* file, QByteArray& data)
+bool IRGObject::ReadDevice(QIODevice* device, QByteArray& data)
 {
-    if (!file)
+    if (!device)
         return Fail(QStringLiteral("no file given"));
-    ReadAccess access(file);
+    ReadAccess access(device);
     if (!access.ok())
-        return Fail(QStringLiteral("cannot open %1 for reading: %2").arg(file->fileName(), file->errorString()));
+        return Fail(QStringLiteral("cannot open for reading: %1").arg(device->errorString()));
     QString problem;
-    if (!ReadWholeDevice(*file, m_maxDocumentSize, data, problem))
-        return Fail(QStringLiteral("%1: %2").arg(file->fileName(), problem));
-    return true;
+    return ReadWholeDevice(*device, m_maxDocumentSize, data, problem) || Fail(problem);
 }
 
 bool IRGObject::LoadXml(QFile* file)
 {
+    return LoadXml(static_cast<QIODevice*>(file));
+}
+
+bool IRGObject::LoadXml(QIODevice* device)
+{
     return ReadReplacing([&](IRGObject& object) {
         QByteArray data;
-        return object.ReadFile(file, data) && object.ReadXmlBytes(data);
+        return object.ReadDevice(device, data) && object.ReadXmlBytes(data);
     });
 }
 
@@ -478,7 +481,7 @@ bool IRGObject::LoadBinary(QFile* file)
 {
     return ReadReplacing([&](IRGObject& object) {
         QByteArray data;
-        return object.ReadFile(file, data) && object.ReadBinaryBytes(data);
+        return object.ReadDevice(file, data) && object.ReadBinaryBytes(data);
     });
 }
 

@@ -15,6 +15,7 @@ class QByteArray;
 class QDataStream;
 class QDateTime;
 class QFile;
+class QIODevice;
 class QXmlStreamReader;
 class QXmlStreamWriter;
 
@@ -33,7 +34,7 @@ namespace REPORTGENERATOR {
  * const operations, since they describe how an object is handled rather than
  * what it holds.
  *
- * Whole-document reads (SetXmlString, both LoadXml, both
+ * Whole-document reads (SetXmlString, every LoadXml, both
  * SetBinaryRepresentation, LoadBinary) are all or nothing. Each reads into a
  * new, empty object of the same class (CreateEmpty) that carries this
  * object's validation flag, logger and maximum document size; only when the
@@ -50,8 +51,9 @@ namespace REPORTGENERATOR {
  * most as many characters as the document has bytes (characters, for a
  * string) plus XmlEntityAllowance, an element may carry at most
  * MaxXmlAttributes attributes, and a compressed document may announce at most
- * MaxInflationFactor times its compressed size plus InflationAllowance (see
- * Compression.h), and no more than the maximum document size.
+ * 16 times its compressed size plus 32 MiB (MaxInflationFactor and
+ * InflationAllowance of the internal Compression.h), and no more than the
+ * maximum document size.
  *
  * Binary documents: GetBinaryRepresentation writes GetBinary(stream, classId,
  * true) on a big-endian stream, i.e. the class id, the object length and the
@@ -172,6 +174,11 @@ public:
 
     std::shared_ptr<Logger> GetLogger() const;
 
+    /// LoadXml for any device that delivers its data when read, as files,
+    /// pipes and buffers do (a QBuffer over bytes already in memory, for
+    /// example); read from its position to its end.
+    bool LoadXml(QIODevice* device);
+
     /// The maximum document size of a new object: 256 MiB.
     static constexpr qint64 DefaultMaxDocumentSize = qint64(256) * 1024 * 1024;
     /// Characters that XML entity references may add beyond the size of the
@@ -259,7 +266,7 @@ private:
     bool ReadBinaryBytes(const QByteArray& data);
     bool ReadBinaryStream(QDataStream& stream);
     bool ReadPlainBinary(const QByteArray& data);
-    bool ReadFile(QFile* file, QByteArray& data);
+    bool ReadDevice(QIODevice* device, QByteArray& data);
 
     QString m_objectName;
     ObjectTypes m_objectType = UndefinedObject;

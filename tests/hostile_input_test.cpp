@@ -783,7 +783,7 @@ TEST(AtomicSave, WriteThatFailsHalfwayLeavesThePreviousFile)
     }
     EXPECT_FALSE(result);
     // The reason reaches the caller, as the system gave it.
-    EXPECT_EQ(big.GetErrorString(), QStringLiteral("cannot write %1: File too large").arg(path));
+    EXPECT_EQ(big.GetErrorString(), QStringLiteral("cannot write: File too large"));
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(saved.readAll(), before);
     saved.close();

@@ -87,6 +87,12 @@ const struct {
          QFile file(WriteFile(d, b));
          return r.LoadXml(&file);
      }},
+    {"LoadXml(QIODevice*)", true,
+     [](TorviGuiModeSettings& r, const QByteArray& b, const QString&) {
+         QBuffer buffer;
+         buffer.setData(b);
+         return r.LoadXml(&buffer);
+     }},
     {"SetBinaryRepresentation(QByteArray&)", false,
      [](TorviGuiModeSettings& r, const QByteArray& b, const QString&) {
          QByteArray data(b);
@@ -133,6 +139,24 @@ TEST(WholeDocument, ReadsReplaceTheContentAndKeepTheObjectsOwnInvalidValue)
         ASSERT_TRUE(form.read(lax, unknown, dir.path()));
         EXPECT_TRUE(lax.IsOperationModeHandlerSet());
         EXPECT_EQ(int(lax.GetOperationModeHandler()), 9);
+    }
+}
+
+TEST(WholeDocument, DevicesAreReadInTheDocumentsOwnEncoding)
+{
+    // UTF-16 with a byte order mark, and Latin-1 named by the declaration.
+    QString named = kXml;
+    named.replace(Q("Neu"), Q("M\u00E4rz"));
+    QByteArray utf16("\xFF\xFE");
+    for (const QChar c : named)
+        utf16 += char(c.unicode() & 0xFF) + QByteArray(1, char(c.unicode() >> 8));
+    const QByteArray latin1 = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + named.toLatin1();
+    for (const QByteArray& bytes : {utf16, latin1}) {
+        QBuffer buffer;
+        buffer.setData(bytes);
+        TorviGuiModeSettings root;
+        ASSERT_TRUE(root.LoadXml(&buffer)) << root.GetErrorString().toStdString();
+        EXPECT_EQ(root.GetDataOperationMode().at(0).GetName(), Q("M\u00E4rz"));
     }
 }
 
@@ -206,18 +230,18 @@ TEST(WholeDocument, TheMaximumDocumentSizeEndsReadsOfLargerInputs)
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     const QByteArray binary = Bytes(Read(kXml));
-    const QString path = dir.filePath(QStringLiteral("document"));
     const QString beyond = QStringLiteral(", more than the maximum document size of 100 ");
     const QString xmlSize = QString::number(kXml.size());
     const QString binarySize = QString::number(binary.size());
     const QString expected[] = {
         QStringLiteral("the text holds ") + xmlSize + QStringLiteral(" characters") + beyond + QStringLiteral("characters"),
         QStringLiteral("the text holds ") + xmlSize + QStringLiteral(" characters") + beyond + QStringLiteral("characters"),
-        path + QStringLiteral(": the file holds ") + xmlSize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
-        path + QStringLiteral(": the file holds ") + xmlSize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
+        QStringLiteral("the file holds ") + xmlSize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
+        QStringLiteral("the file holds ") + xmlSize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
+        QStringLiteral("the file holds ") + xmlSize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
         QStringLiteral("the document holds ") + binarySize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
         QStringLiteral("the document holds ") + binarySize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
-        path + QStringLiteral(": the file holds ") + binarySize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
+        QStringLiteral("the file holds ") + binarySize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
     };
     int i = 0;
     for (const auto& form : kForms) {
@@ -256,8 +280,8 @@ TEST(WholeDocument, HugeFilesDevicesAndPipesAreReadNoFurtherThanTheLimit)
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         ASSERT_TRUE(file.resize(qint64(3) << 30));
     }
-    const QString tooLarge = sparse + QStringLiteral(": the file holds 3221225472 bytes, more than the maximum "
-                                                     "document size of 268435456 bytes");
+    const QString tooLarge =
+        QStringLiteral("the file holds 3221225472 bytes, more than the maximum document size of 268435456 bytes");
     QElapsedTimer timer;
     timer.start();
     TorviGuiModeSettings root;
@@ -273,10 +297,10 @@ TEST(WholeDocument, HugeFilesDevicesAndPipesAreReadNoFurtherThanTheLimit)
     QFile zero(QStringLiteral("/dev/zero"));
     EXPECT_FALSE(root.LoadBinary(&zero));
     EXPECT_EQ(root.GetErrorString(),
-              QStringLiteral("/dev/zero: the input holds more than the maximum document size of 1048576 bytes"));
+              QStringLiteral("the input holds more than the maximum document size of 1048576 bytes"));
     EXPECT_FALSE(root.LoadXml(&zero));
     EXPECT_EQ(root.GetErrorString(),
-              QStringLiteral("/dev/zero: the input holds more than the maximum document size of 1048576 bytes"));
+              QStringLiteral("the input holds more than the maximum document size of 1048576 bytes"));
     EXPECT_FALSE(root.AnyData());
 
     // A pipe: read whole when within the limit, refused beyond it.
@@ -302,7 +326,7 @@ TEST(WholeDocument, HugeFilesDevicesAndPipesAreReadNoFurtherThanTheLimit)
     piped.SetMaxDocumentSize(100);
     EXPECT_FALSE(throughPipe(kXml.toUtf8(), [&] { return piped.LoadXml(fifo); }));
     EXPECT_EQ(piped.GetErrorString(),
-              fifo + QStringLiteral(": the input holds more than the maximum document size of 100 bytes"));
+              QStringLiteral("the input holds more than the maximum document size of 100 bytes"));
     EXPECT_TRUE(piped == Read(kXml));
 }
 
