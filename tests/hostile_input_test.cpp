@@ -267,6 +267,62 @@ TEST(HostileBinary, ByteCountsNear4GiBCostOnlyWhatArrives)
     EXPECT_EQ(Bytes(root), before);
 }
 
+TEST(HostileBinary, CompressedBombsAreRefusedBeforeTheyInflate)
+{
+    // What a compressed document announces is held to the maximum document
+    // size and to 16 times its own size plus 32 MiB before anything is
+    // inflated; and inflating stops once the first 8 bytes show no document
+    // of the object's class.
+    const QByteArray header = Int(kRootId) + Int((40 << 20) - 8);
+    QByteArray gigabyte = qCompress(QByteArray(4096, '\0'));
+    gigabyte.replace(0, 4, Int(1 << 30));
+    const QByteArray zeros = qCompress(QByteArray(40 << 20, '\0'), 9);
+    const QByteArray records = qCompress(header + QByteArray((40 << 20) - 8, '\0'), 9);
+    QByteArray foreign = header + QByteArray(4096, 'x');
+    foreign.replace(0, 4, Int(kModeId));
+    foreign.replace(4, 4, Int(4096));
+    const QString neither = QStringLiteral(
+        "neither a plain TorviGuiModeSettings document (class id 232099450) nor a compressed one: ");
+    const auto budget = [](const QByteArray& compressed) {
+        return QStringLiteral("it announces 41943040 bytes, more than the %1 that %2 bytes may inflate to (16 times "
+                              "as many plus 33554432)")
+            .arg(16 * qint64(compressed.size()) + (32 << 20))
+            .arg(compressed.size());
+    };
+    const struct {
+        const char* what;
+        QByteArray input;
+        QString error;
+    } cases[] = {
+        {"1 GiB announced", gigabyte,
+         neither + QStringLiteral("it announces 1073741824 bytes, more than the maximum document size of 268435456 bytes")},
+        {"40 MiB of zeros", zeros, neither + budget(zeros)},
+        {"a header, then 40 MiB of empty records", records, neither + budget(records)},
+        {"a mode where the root belongs", qCompress(foreign),
+         neither + QStringLiteral("its inflated bytes begin with -447125075, not with the class id 232099450")},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        TorviGuiModeSettings root = Preloaded();
+        const QByteArray before = Bytes(root);
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_EQ(ReadArray(root, c.input), kFalse);
+        EXPECT_EQ(root.GetErrorString(), c.error);
+        EXPECT_EQ(ReadStream(root, Int(c.input.size()) + c.input), kFalse);
+        EXPECT_EQ(root.GetErrorString(), c.error);
+        EXPECT_EQ(Bytes(root), before);
+        EXPECT_LT(timer.elapsed(), 1000);
+    }
+
+    // Within the budget a document of unknown, empty records is a document:
+    // they are skipped, quickly, and the tree read is empty.
+    QByteArray empty = qCompress(Int(kRootId) + Int(8 << 20) + QByteArray(8 << 20, '\0'), 9);
+    TorviGuiModeSettings root = Preloaded();
+    EXPECT_EQ(ReadArray(root, empty), kTrue);
+    EXPECT_FALSE(root.AnyData());
+}
+
 TEST(HostileBinary, NegativeAndLyingLengths)
 {
     // Each ends in a refusal that leaves the object as it was. A negative
@@ -501,6 +557,30 @@ TEST(HostileXml, EntityExpansionHasABudgetInProportionToTheInput)
                                                  .arg(QStringLiteral("&e;").repeated(200)))),
               kTrue);
     EXPECT_EQ(within.GetDataOperationMode().at(0).GetName(), QString(800000, QLatin1Char('x')));
+}
+
+TEST(HostileXml, ElementsCarryAtMost1024Attributes)
+{
+    // Qt's reader compares an element's attributes pairwise: 100 000 of them
+    // on one unknown element (1.3 MB) took 21 to 39 s. More than 1024 are
+    // refused before the reader sees them; 1024 read as usual.
+    const auto document = [](int attributes) -> QString {
+        QString unknown = QStringLiteral("<Unknown");
+        for (int i = 0; i < attributes; ++i)
+            unknown += QStringLiteral(" a%1=\"\"").arg(i);
+        return QStringLiteral("<TorviGuiModeSettings>") + unknown
+            + QStringLiteral("/><OperationModeHandler>QLSManagementComponent</OperationModeHandler>"
+                             "</TorviGuiModeSettings>");
+    };
+    QElapsedTimer timer;
+    timer.start();
+    TorviGuiModeSettings root = Preloaded();
+    EXPECT_EQ(ReadXml(root, document(100000)), kFalse);
+    EXPECT_EQ(root.GetErrorString(), QStringLiteral("at line 1, column 23: the element has more than 1024 attributes"));
+    EXPECT_EQ(Bytes(root), Bytes(Preloaded()));
+    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_EQ(ReadXml(root, document(1024)), kTrue);
+    EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
 }
 
 TEST(HostileXml, ExternalEntitiesAreNeverFetched)
