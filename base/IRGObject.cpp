@@ -266,6 +266,10 @@ bool IRGObject::ReadPlainBinary(const QByteArray& data)
     SetBinary(stream, length);
     if (stream.status() != QDataStream::Ok)
         return Fail(QStringLiteral("the document ends inside a text or list its records announce"));
+    // The records add up (or the object threw), but a record may hold more
+    // than its payload used.
+    if (!stream.atEnd())
+        return Fail(QStringLiteral("a record holds bytes its payload does not use"));
     return true;
 }
 
@@ -545,30 +549,52 @@ QString IRGObject::GetErrorString() const
     return m_errorString;
 }
 
-int IRGObject::FindNonXmlCharacter(const QString& text)
+namespace {
+
+// Index of the first character of text that fails isChar, or -1. Surrogate
+// pairs are one character; a surrogate without its partner always fails.
+template <typename IsChar>
+int FindCharacter(const QString& text, IsChar&& isChar)
 {
     const int n = text.size();
     for (int i = 0; i < n; ++i) {
         const ushort c = text.at(i).unicode();
-        if (c < 0x20) {
-            if (c != 0x09 && c != 0x0A && c != 0x0D)
-                return i;
-        } else if (c == 0xFFFE || c == 0xFFFF) {
-            return i;
-        } else if (QChar::isHighSurrogate(c)) {
-            if (i + 1 >= n || !QChar::isLowSurrogate(text.at(i + 1).unicode()))
-                return i;
+        if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(text.at(i + 1).unicode())) {
             ++i;
-        } else if (QChar::isLowSurrogate(c)) {
-            return i;
+            continue;
         }
+        if (QChar::isSurrogate(c) || !isChar(c))
+            return i;
     }
     return -1;
 }
 
+} // namespace
+
+int IRGObject::FindNonXmlCharacter(const QString& text)
+{
+    return FindCharacter(text, [](ushort c) {
+        return c >= 0x20 ? c != 0xFFFE && c != 0xFFFF : c == 0x09 || c == 0x0A || c == 0x0D;
+    });
+}
+
+int IRGObject::FindUnpairedSurrogate(const QString& text)
+{
+    return FindCharacter(text, [](ushort) { return true; });
+}
+
 void IRGObject::RequireXmlText(const QString& text, const char* what) const
 {
-    const int index = FindNonXmlCharacter(text);
+    RequireText(text, FindNonXmlCharacter(text), what, "XML 1.0");
+}
+
+void IRGObject::RequireUtf8Text(const QString& text, const char* what) const
+{
+    RequireText(text, FindUnpairedSurrogate(text), what, "UTF-8");
+}
+
+void IRGObject::RequireText(const QString& text, int index, const char* what, const char* form) const
+{
     if (index < 0)
         return;
     // Count in characters: a surrogate pair before the place is one.
@@ -579,10 +605,10 @@ void IRGObject::RequireXmlText(const QString& text, const char* what) const
     const QString after = before.isEmpty() ? QString()
         : before.size() <= Shown ? QStringLiteral(" (after \"%1\")").arg(before)
                                  : QStringLiteral(" (after \"...%1\")").arg(before.right(Shown));
-    throw OutOfRangeException(QStringLiteral("%1: %2 holds U+%3 at character %4%5, which XML 1.0 cannot represent.")
+    throw OutOfRangeException(QStringLiteral("%1: %2 holds U+%3 at character %4%5, which %6 cannot represent.")
                                   .arg(GetObjectName(), QLatin1String(what), code)
                                   .arg(position)
-                                  .arg(after));
+                                  .arg(after, QLatin1String(form)));
 }
 
 int IRGObject::skipCurrentElement(QDataStream& stream, int length, int) const

@@ -69,7 +69,8 @@ namespace REPORTGENERATOR {
  * length of the announced size minus 8.
  *
  * XML documents are written only when every text can be represented in
- * XML 1.0 (see RequireXmlText); the binary form holds every text exactly.
+ * XML 1.0 (see RequireXmlText); the binary form holds every text exactly, and
+ * refuses only what no form can hold, unpaired surrogates (RequireUtf8Text).
  */
 class RGBASE_EXPORT IRGObject
 {
@@ -208,9 +209,14 @@ public:
     /// its position (counted in characters from 1) and the text before it.
     /// XML writers call it for every free text they write.
     void RequireXmlText(const QString& text, const char* what) const;
+    /// The same for the binary form, whose texts are UTF-8: throws for an
+    /// unpaired surrogate, which is no character and has no UTF-8 form.
+    void RequireUtf8Text(const QString& text, const char* what) const;
     /// The index (in UTF-16 units) of the first character of text that
-    /// XML 1.0 cannot represent, or -1.
+    /// XML 1.0 cannot represent, or -1; FindUnpairedSurrogate the same for
+    /// UTF-8.
     static int FindNonXmlCharacter(const QString& text);
+    static int FindUnpairedSurrogate(const QString& text);
 
     /// Consumes the payload of a binary member record that the reading class
     /// does not know: length bytes (nothing for a negative length). Returns
@@ -255,6 +261,7 @@ protected:
     qint64 m_classId = 0;
 
 private:
+    void RequireText(const QString& text, int index, const char* what, const char* form) const;
     template <typename Read>
     bool ReadReplacing(Read&& read);
     bool Fail(const QString& reason) const;

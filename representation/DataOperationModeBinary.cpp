@@ -22,6 +22,8 @@ void DataOperationMode::WriteBinaryFrame(QDataStream& stream, int id, bool write
 {
     InitData();
     const bool prepared = Validation::ElementsPrepared(GetValidate(), IsGuiComponentSettingsSet());
+    // UTF-8 has no form for an unpaired surrogate: refused, not replaced.
+    RequireUtf8Text(d->m_name.value, "Name");
     Binary::FrameWriter frame(stream, id, writeId);
     frame.Text(NameMember, d->m_name.value);
     frame.List(GuiComponentSettingsMember, d->m_guiComponentSettings.list, [&](const GuiComponentSettings& element) {

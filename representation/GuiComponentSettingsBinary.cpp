@@ -22,6 +22,8 @@ TORVIXML_BINARY_WRITE_ENTRY(GuiComponentSettings)
 void GuiComponentSettings::WriteBinaryFrame(QDataStream& stream, int id, bool writeId) const
 {
     InitData();
+    // UTF-8 has no form for an unpaired surrogate: refused, not replaced.
+    RequireUtf8Text(d->m_name.value, "Name");
     Binary::FrameWriter frame(stream, id, writeId);
     frame.Text(NameMember, d->m_name.value);
     frame.Name(GuiComponentUsageMember, GuiComponentUsageNames().Utf8Name(d->m_guiComponentUsage.value));

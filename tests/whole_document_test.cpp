@@ -168,6 +168,13 @@ TEST(WholeDocument, FailedReadsChangeNothingAndSayWhy)
     QByteArray badUsage = kXml.toUtf8();
     badUsage.replace(">AVAILABLE<", ">Available<");
     const QString stream = QStringLiteral("SetBinaryRepresentation(QDataStream&)");
+    // The handler's record comes last: its length (4 bytes before its text
+    // count) and the object length grow by the byte appended.
+    const int handler = binary.indexOf(Int(kHandlerId));
+    ASSERT_GT(handler, 0);
+    QByteArray padded = binary + 'x';
+    padded.replace(4, 4, Int(padded.size() - 8));
+    padded.replace(handler + 4, 4, Int(padded.size() - handler - 8));
     const struct {
         const char* what;
         QByteArray document;
@@ -192,6 +199,9 @@ TEST(WholeDocument, FailedReadsChangeNothingAndSayWhy)
          QString()},
         {"truncated binary", binary.left(binary.size() - 3), false, true,
          QStringLiteral("the stream ends inside the document"), kHandlerInvalid},
+        // The handler's record one byte longer than its text, at the end.
+        {"unused byte in a record", padded, false, false,
+         QStringLiteral("a record holds bytes its payload does not use"), QString()},
         {"not a document", "Unsinn", false, false,
          QStringLiteral("neither a plain TorviGuiModeSettings document (class id 232099450) nor a compressed one: "
                         "it announces 1433301865 bytes, more than the maximum document size of 268435456 bytes"),
@@ -330,7 +340,7 @@ TEST(WholeDocument, HugeFilesDevicesAndPipesAreReadNoFurtherThanTheLimit)
     EXPECT_TRUE(piped == Read(kXml));
 }
 
-TEST(WholeDocument, TextsXmlCannotHoldAreRefusedByTheXmlWritersAndKeptByTheBinaryForm)
+TEST(WholeDocument, TextsAFormCannotHoldAreRefusedByItsWritersNeverDropped)
 {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
@@ -375,10 +385,13 @@ TEST(WholeDocument, TextsXmlCannotHoldAreRefusedByTheXmlWritersAndKeptByTheBinar
             EXPECT_EQ(MessageOf<OutOfRangeException>([&] { root.SaveXml(path); }), message);
             EXPECT_FALSE(QFile::exists(path));
         }
-        // The binary form holds every character as it is. (Unpaired
-        // surrogates are no characters: UTF-8 has no form for them.)
-        if (c.message.contains(Q("U+D")))
+        // The binary form holds every character as it is. Unpaired
+        // surrogates are no characters: UTF-8 has no form for them either.
+        if (c.message.contains(Q("U+D"))) {
+            EXPECT_EQ(MessageOf<OutOfRangeException>([&] { root.GetBinaryRepresentationAsQByteArray(); }),
+                      QString(message).replace(Q("XML 1.0"), Q("UTF-8")));
             continue;
+        }
         TorviGuiModeSettings back;
         QByteArray bytes = root.GetBinaryRepresentationAsQByteArray();
         ASSERT_TRUE(back.SetBinaryRepresentation(bytes));
@@ -387,4 +400,5 @@ TEST(WholeDocument, TextsXmlCannotHoldAreRefusedByTheXmlWritersAndKeptByTheBinar
         EXPECT_EQ(back.GetDataOperationMode().at(0).GetGuiComponentSettings().at(0).GetName(), c.componentName);
     }
     EXPECT_EQ(REPORTGENERATOR::IRGObject::FindNonXmlCharacter(Q("\U0001F600 \t\n\r\uFFFD")), -1);
+    EXPECT_EQ(REPORTGENERATOR::IRGObject::FindUnpairedSurrogate(Q("\U0001F600") + QChar(0) + QChar(0xFFFF)), -1);
 }
