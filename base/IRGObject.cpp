@@ -160,8 +160,10 @@ bool IRGObject::ReadXmlBytes(const QByteArray& bytes)
         const XmlScreen::Decoded decoded = XmlScreen::Decode(bytes);
         utf8 = decoded.utf8;
         QString problem;
-        if (!XmlScreen::Screen(decoded.text, bytes.size(), QStringLiteral("bytes"), XmlEntityAllowance,
-                               MaxXmlAttributes, problem))
+        const bool within = utf8 ? XmlScreen::ScreenUtf8(bytes, XmlEntityAllowance, MaxXmlAttributes, problem)
+                                 : XmlScreen::Screen(decoded.text, bytes.size(), QStringLiteral("bytes"),
+                                                     XmlEntityAllowance, MaxXmlAttributes, problem);
+        if (!within)
             return Fail(problem);
     }
     // The reader decodes the bytes itself, so that it reports what is not
@@ -464,6 +466,16 @@ bool IRGObject::ReadDevice(QIODevice* device, QByteArray& data)
     ReadAccess access(device);
     if (!access.ok())
         return Fail(QStringLiteral("cannot open for reading: %1").arg(device->errorString()));
+    // Bytes already in memory are shared rather than copied.
+    if (auto* buffer = qobject_cast<QBuffer*>(device)) {
+        const qint64 remaining = buffer->size() - buffer->pos();
+        if (remaining > m_maxDocumentSize) {
+            return Fail(SizeLimitMessage(QStringLiteral("the document"), remaining, m_maxDocumentSize));
+        }
+        data = buffer->pos() == 0 ? buffer->data() : buffer->data().mid(int(buffer->pos()));
+        buffer->seek(buffer->size());
+        return true;
+    }
     QString problem;
     return ReadWholeDevice(*device, m_maxDocumentSize, data, problem) || Fail(problem);
 }

@@ -79,6 +79,23 @@ QString DecodeWith(const QByteArray& bytes, int mib, const QString& declared, bo
 }
 #endif
 
+// Whether the reader reads the bytes as UTF-8: it starts so, and the
+// declaration names no other encoding.
+bool IsUtf8(int mib, const QString& declared)
+{
+    if (mib != 106)
+        return false;
+    if (declared.isEmpty())
+        return true;
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    const QTextCodec* named = QTextCodec::codecForName(declared.toLatin1());
+    return !named || named->mibEnum() == 106;
+#else
+    const auto named = QStringConverter::encodingForName(declared.toLatin1().constData());
+    return !named || *named == QStringConverter::Utf8;
+#endif
+}
+
 // ---------------------------------------------------------------------------
 // Markup.
 
@@ -94,26 +111,55 @@ bool IsPredefined(const QString& name)
         || name == QLatin1String("apos") || name == QLatin1String("quot");
 }
 
+// The markup is measured either on a decoded text or, for UTF-8, on the
+// bytes themselves: every character that delimits markup is ASCII there, so
+// the bytes need no decoding except for the names of entities.
+struct Utf16Units
+{
+    const QChar* p;
+    int n;
+    ushort operator[](int i) const { return p[i].unicode(); }
+    QString Text(int from, int count) const { return QString(p + from, count); }
+    // UTF-16 units a unit counts as in a column: 1.
+    static int Width(ushort) { return 1; }
+};
+
+struct Utf8Units
+{
+    const uchar* p;
+    int n;
+    ushort operator[](int i) const { return p[i]; }
+    QString Text(int from, int count) const
+    {
+        return QString::fromUtf8(reinterpret_cast<const char*>(p) + from, count);
+    }
+    // A lead byte starts one UTF-16 unit, or two from U+10000 on; the bytes
+    // that continue a sequence start none.
+    static int Width(ushort byte) { return byte < 0x80 ? 1 : byte < 0xC0 ? 0 : byte < 0xF0 ? 1 : 2; }
+};
+
 // A reference "&name;" at p[i] (p[i] == '&'): the name, and end set behind
 // the ';'. A character reference yields an empty name; something that is no
 // reference a null one (end then behind the '&').
-QString ReferenceAt(const QChar* p, int n, int i, int& end)
+template <typename Units>
+QString ReferenceAt(const Units& p, int i, int& end)
 {
+    const int n = p.n;
     int j = i + 1;
-    if (j < n && p[j] == QLatin1Char('#')) {
-        while (j < n && p[j] != QLatin1Char(';') && !IsDelimiter(p[j].unicode()))
+    if (j < n && p[j] == '#') {
+        while (j < n && p[j] != ';' && !IsDelimiter(p[j]))
             ++j;
-        end = j < n && p[j] == QLatin1Char(';') ? j + 1 : i + 1;
+        end = j < n && p[j] == ';' ? j + 1 : i + 1;
         return end > i + 1 ? QStringLiteral("") : QString();
     }
-    while (j < n && !IsDelimiter(p[j].unicode()))
+    while (j < n && !IsDelimiter(p[j]))
         ++j;
-    if (j == i + 1 || j >= n || p[j] != QLatin1Char(';')) {
+    if (j == i + 1 || j >= n || p[j] != ';') {
         end = i + 1;
         return QString();
     }
     end = j + 1;
-    return QString(p + i + 1, j - i - 1);
+    return p.Text(i + 1, j - i - 1);
 }
 
 // What the references to the document's declared entities expand to, each
@@ -148,17 +194,18 @@ public:
     }
 
     /// Characters a literal yields with its references expanded.
-    qint64 OfLiteral(const QChar* p, int n)
+    qint64 OfLiteral(const QChar* text, int n)
     {
+        const Utf16Units p{text, n};
         qint64 total = 0;
         for (int i = 0; i < n;) {
-            if (p[i] != QLatin1Char('&')) {
+            if (p[i] != '&') {
                 ++total;
                 ++i;
                 continue;
             }
             int end = 0;
-            const QString name = ReferenceAt(p, n, i, end);
+            const QString name = ReferenceAt(p, i, end);
             total += name.isNull() ? 1 : name.isEmpty() ? 1 : Of(name);
             i = end;
         }
@@ -181,11 +228,10 @@ private:
         Frame frame;
         frame.name = name;
         const QString value = m_values.value(name);
-        const QChar* p = value.constData();
-        const int n = value.size();
-        for (int i = 0; i < n;) {
+        const Utf16Units p{value.constData(), int(value.size())};
+        for (int i = 0; i < p.n;) {
             int end = i + 1;
-            const QString reference = p[i] == QLatin1Char('&') ? ReferenceAt(p, n, i, end) : QString();
+            const QString reference = p[i] == '&' ? ReferenceAt(p, i, end) : QString();
             if (reference.isEmpty() || IsPredefined(reference))
                 ++frame.total;
             else
@@ -237,38 +283,41 @@ private:
 };
 
 // Index of the end of the next occurrence of what at or after from in p,
-// or n when there is none.
-int SkipPast(const QChar* p, int n, int from, const QLatin1String& what)
+// or the end of p when there is none.
+template <typename Units>
+int SkipPast(const Units& p, int from, const char* what)
 {
-    const int m = int(what.size());
-    for (int i = from; i + m <= n; ++i) {
+    const int m = int(qstrlen(what));
+    for (int i = from; i + m <= p.n; ++i) {
         int k = 0;
-        while (k < m && p[i + k] == QLatin1Char(what.data()[k]))
+        while (k < m && p[i + k] == uchar(what[k]))
             ++k;
         if (k == m)
             return i + m;
     }
-    return n;
+    return p.n;
 }
 
-bool StartsWith(const QChar* p, int n, int i, const QLatin1String& what)
+template <typename Units>
+bool StartsWith(const Units& p, int i, const char* what)
 {
-    const int m = int(what.size());
-    if (i + m > n)
+    const int m = int(qstrlen(what));
+    if (i + m > p.n)
         return false;
     for (int k = 0; k < m; ++k) {
-        if (p[i + k] != QLatin1Char(what.data()[k]))
+        if (p[i + k] != uchar(what[k]))
             return false;
     }
     return true;
 }
 
-QString NameAt(const QChar* p, int n, int i)
+template <typename Units>
+QString NameAt(const Units& p, int i)
 {
     int j = i;
-    while (j < n && !IsDelimiter(p[j].unicode()))
+    while (j < p.n && !IsDelimiter(p[j]))
         ++j;
-    return QString(p + i, j - i);
+    return p.Text(i, j - i);
 }
 
 // The characters that default values declared for each element name add to
@@ -277,34 +326,34 @@ QString NameAt(const QChar* p, int n, int i)
 QHash<QString, qint64> DefaultAttributeSizes(const QString& dtd, Expansions& expansions)
 {
     QHash<QString, qint64> sizes;
-    const QChar* p = dtd.constData();
-    const int n = dtd.size();
+    const Utf16Units p{dtd.constData(), int(dtd.size())};
+    const int n = p.n;
     for (int i = 0; i < n;) {
-        if (StartsWith(p, n, i, QLatin1String("<!--"))) {
-            i = SkipPast(p, n, i + 4, QLatin1String("-->"));
-        } else if (StartsWith(p, n, i, QLatin1String("<?"))) {
-            i = SkipPast(p, n, i + 2, QLatin1String("?>"));
-        } else if (StartsWith(p, n, i, QLatin1String("<!ATTLIST"))) {
+        if (StartsWith(p, i, "<!--")) {
+            i = SkipPast(p, i + 4, "-->");
+        } else if (StartsWith(p, i, "<?")) {
+            i = SkipPast(p, i + 2, "?>");
+        } else if (StartsWith(p, i, "<!ATTLIST")) {
             int j = i + 9;
-            while (j < n && p[j].unicode() <= ' ')
+            while (j < n && p[j] <= ' ')
                 ++j;
-            const QString element = NameAt(p, n, j);
+            const QString element = NameAt(p, j);
             qint64 total = 0;
-            while (j < n && p[j] != QLatin1Char('>')) {
-                if (p[j] == QLatin1Char('"') || p[j] == QLatin1Char('\'')) {
-                    const QChar quote = p[j];
+            while (j < n && p[j] != '>') {
+                if (p[j] == '"' || p[j] == '\'') {
+                    const ushort quote = p[j];
                     int k = j + 1;
                     while (k < n && p[k] != quote)
                         ++k;
-                    total += expansions.OfLiteral(p + j + 1, k - j - 1);
+                    total += expansions.OfLiteral(dtd.constData() + j + 1, k - j - 1);
                     j = k;
                 }
                 ++j;
             }
             sizes[element] += total;
             i = j + 1;
-        } else if (p[i] == QLatin1Char('"') || p[i] == QLatin1Char('\'')) {
-            const QChar quote = p[i];
+        } else if (p[i] == '"' || p[i] == '\'') {
+            const ushort quote = p[i];
             int k = i + 1;
             while (k < n && p[k] != quote)
                 ++k;
@@ -316,24 +365,127 @@ QHash<QString, qint64> DefaultAttributeSizes(const QString& dtd, Expansions& exp
     return sizes;
 }
 
-Position PositionIn(const QString& text, int index)
+template <typename Units>
+QString At(const Units& p, int index, const QString& what)
 {
     Position position;
-    int lineStart = 0;
-    for (int i = 0; i < index && i < text.size(); ++i) {
-        if (text.at(i) == QLatin1Char('\n')) {
+    qint64 column = 1;
+    for (int i = 0; i < index && i < p.n; ++i) {
+        if (p[i] == '\n') {
             ++position.line;
-            lineStart = i + 1;
+            column = 1;
+        } else {
+            column += Units::Width(p[i]);
         }
     }
-    position.column = index - lineStart + 1;
-    return position;
+    return QStringLiteral("at line %1, column %2: %3").arg(position.line).arg(column).arg(what);
 }
 
-QString At(const QString& text, int index, const QString& what)
+// Where the body of a document begins (behind its document type
+// declaration), and what that declaration declares, as the reader itself
+// sees it; it reads no further than the start of the document element.
+// offsetOf turns the reader's character offset into an index of the units.
+template <typename Reader, typename OffsetOf>
+int ReadProlog(Reader&& prolog, OffsetOf&& offsetOf, QXmlStreamEntityDeclarations& declarations, QString& dtd)
 {
-    const Position position = PositionIn(text, index);
-    return QStringLiteral("at line %1, column %2: %3").arg(position.line).arg(position.column).arg(what);
+    int body = 0;
+    while (!prolog.atEnd()) {
+        const QXmlStreamReader::TokenType token = prolog.readNext();
+        if (token == QXmlStreamReader::DTD) {
+            declarations = prolog.entityDeclarations();
+            dtd = prolog.text().toString();
+            body = offsetOf(prolog.characterOffset());
+        }
+        if (token == QXmlStreamReader::StartElement || token == QXmlStreamReader::Invalid)
+            break;
+    }
+    return body;
+}
+
+// The measurement itself, on the units from body on.
+template <typename Units>
+bool Measure(const Units& p, int body, const QXmlStreamEntityDeclarations& declarations, const QString& dtd,
+             qint64 inputSize, const QString& inputUnit, qint64 allowance, int maxAttributes, QString& message)
+{
+    const int n = p.n;
+    const qint64 budget = inputSize + allowance;
+    const qint64 cap = qint64(QXmlStreamReader().entityExpansionLimit()) + 1;
+    Expansions expansions(declarations, cap);
+    const QHash<QString, qint64> defaults = DefaultAttributeSizes(dtd, expansions);
+
+    qint64 expanded = 0;
+    const auto spend = [&](qint64 size, int at) {
+        expanded += size;
+        if (expanded <= budget)
+            return true;
+        message = At(p, at, QStringLiteral("the entity references and default attributes expand to more than "
+                                           "%1 characters, the most allowed for a document of %2 %3")
+                                .arg(budget)
+                                .arg(inputSize)
+                                .arg(inputUnit));
+        return false;
+    };
+    const auto reference = [&](int at, int& end) {
+        const QString name = ReferenceAt(p, at, end);
+        return name.isEmpty() || IsPredefined(name) || spend(expansions.Of(name), at);
+    };
+
+    for (int i = body; i < n;) {
+        const ushort c = p[i];
+        if (c == '&') {
+            int end = 0;
+            if (!reference(i, end))
+                return false;
+            i = end;
+            continue;
+        }
+        if (c != '<') {
+            ++i;
+            continue;
+        }
+        if (StartsWith(p, i, "<!--")) {
+            i = SkipPast(p, i + 4, "-->");
+        } else if (StartsWith(p, i, "<![CDATA[")) {
+            i = SkipPast(p, i + 9, "]]>");
+        } else if (StartsWith(p, i, "<?")) {
+            i = SkipPast(p, i + 2, "?>");
+        } else if (StartsWith(p, i, "</") || StartsWith(p, i, "<!")) {
+            i = SkipPast(p, i + 2, ">");
+        } else {
+            // A start tag: attributes are counted by their '=' outside the
+            // quoted values; references count inside the values.
+            const int tag = i;
+            if (!defaults.isEmpty() && !spend(defaults.value(NameAt(p, i + 1)), tag))
+                return false;
+            int attributes = 0;
+            ushort quote = 0;
+            int j = i + 1;
+            for (; j < n; ++j) {
+                const ushort u = p[j];
+                if (quote != 0) {
+                    if (u == quote) {
+                        quote = 0;
+                    } else if (u == '&') {
+                        int end = 0;
+                        if (!reference(j, end))
+                            return false;
+                        j = end - 1;
+                    }
+                } else if (u == '"' || u == '\'') {
+                    quote = u;
+                } else if (u == '=') {
+                    if (++attributes > maxAttributes) {
+                        message = At(p, tag, QStringLiteral("the element has more than %1 attributes").arg(maxAttributes));
+                        return false;
+                    }
+                } else if (u == '>' || u == '<') {
+                    break;
+                }
+            }
+            i = j < n && p[j] == '>' ? j + 1 : j;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -341,11 +493,16 @@ QString At(const QString& text, int index, const QString& what)
 Decoded Decode(const QByteArray& bytes)
 {
     // The reader switches to the encoding the XML declaration names; a
-    // reader that stops at the first token has read the declaration.
-    QXmlStreamReader declaration(bytes);
+    // reader that stops at the first token has read the declaration, which
+    // stands at the very start (a reader decodes all it is given first).
+    QXmlStreamReader declaration(bytes.left(4096));
     declaration.readNext();
     const QString declared = declaration.documentEncoding().toString();
     Decoded decoded;
+    if (IsUtf8(InitialMib(bytes), declared)) {
+        decoded.utf8 = true;
+        return decoded;
+    }
     decoded.text = DecodeWith(bytes, InitialMib(bytes), declared, decoded.utf8);
     return decoded;
 }
@@ -401,106 +558,38 @@ bool FindInvalidUtf8(const QByteArray& bytes, Position& position)
 bool Screen(const QString& text, qint64 inputSize, const QString& inputUnit, qint64 allowance, int maxAttributes,
             QString& message)
 {
-    const QChar* p = text.constData();
-    const int n = text.size();
-    const qint64 budget = inputSize + allowance;
-
-    // Entities can only be declared in a document type declaration; the
-    // reader itself says what it declares and where it ends. It reads no
-    // further than the start of the document element.
+    const Utf16Units units{text.constData(), int(text.size())};
     QXmlStreamEntityDeclarations declarations;
     QString dtd;
     int body = 0;
-    const qint64 cap = qint64(QXmlStreamReader().entityExpansionLimit()) + 1;
+    // Entities can only be declared in a document type declaration.
     if (text.contains(QLatin1String("<!DOCTYPE"))) {
-        QXmlStreamReader prolog(text);
-        while (!prolog.atEnd()) {
-            const QXmlStreamReader::TokenType token = prolog.readNext();
-            if (token == QXmlStreamReader::DTD) {
-                declarations = prolog.entityDeclarations();
-                dtd = prolog.text().toString();
-                body = int(qMin<qint64>(n, prolog.characterOffset()));
-            }
-            if (token == QXmlStreamReader::StartElement || token == QXmlStreamReader::Invalid)
-                break;
-        }
+        body = ReadProlog(QXmlStreamReader(text), [&](qint64 offset) { return int(qMin<qint64>(units.n, offset)); },
+                          declarations, dtd);
     }
-    Expansions expansions(declarations, cap);
-    const QHash<QString, qint64> defaults = DefaultAttributeSizes(dtd, expansions);
+    return Measure(units, body, declarations, dtd, inputSize, inputUnit, allowance, maxAttributes, message);
+}
 
-    qint64 expanded = 0;
-    const auto spend = [&](qint64 size, int at) {
-        expanded += size;
-        if (expanded <= budget)
-            return true;
-        message = At(text, at, QStringLiteral("the entity references and default attributes expand to more than "
-                                              "%1 characters, the most allowed for a document of %2 %3")
-                                   .arg(budget)
-                                   .arg(inputSize)
-                                   .arg(inputUnit));
-        return false;
-    };
-    const auto reference = [&](int at, int& end) {
-        const QString name = ReferenceAt(p, n, at, end);
-        return name.isEmpty() || IsPredefined(name) || spend(expansions.Of(name), at);
-    };
-
-    for (int i = body; i < n;) {
-        if (p[i] == QLatin1Char('&')) {
-            int end = 0;
-            if (!reference(i, end))
-                return false;
-            i = end;
-            continue;
-        }
-        if (p[i] != QLatin1Char('<')) {
-            ++i;
-            continue;
-        }
-        if (StartsWith(p, n, i, QLatin1String("<!--"))) {
-            i = SkipPast(p, n, i + 4, QLatin1String("-->"));
-        } else if (StartsWith(p, n, i, QLatin1String("<![CDATA["))) {
-            i = SkipPast(p, n, i + 9, QLatin1String("]]>"));
-        } else if (StartsWith(p, n, i, QLatin1String("<?"))) {
-            i = SkipPast(p, n, i + 2, QLatin1String("?>"));
-        } else if (StartsWith(p, n, i, QLatin1String("</")) || StartsWith(p, n, i, QLatin1String("<!"))) {
-            i = SkipPast(p, n, i + 2, QLatin1String(">"));
-        } else {
-            // A start tag: attributes are counted by their '=' outside the
-            // quoted values; references count inside the values.
-            const int tag = i;
-            if (!defaults.isEmpty() && !spend(defaults.value(NameAt(p, n, i + 1)), tag))
-                return false;
-            int attributes = 0;
-            QChar quote;
-            int j = i + 1;
-            for (; j < n; ++j) {
-                const QChar c = p[j];
-                if (!quote.isNull()) {
-                    if (c == quote) {
-                        quote = QChar();
-                    } else if (c == QLatin1Char('&')) {
-                        int end = 0;
-                        if (!reference(j, end))
-                            return false;
-                        j = end - 1;
-                    }
-                } else if (c == QLatin1Char('"') || c == QLatin1Char('\'')) {
-                    quote = c;
-                } else if (c == QLatin1Char('=')) {
-                    if (++attributes > maxAttributes) {
-                        message = At(text, tag, QStringLiteral("the element has more than %1 attributes")
-                                                    .arg(maxAttributes));
-                        return false;
-                    }
-                } else if (c == QLatin1Char('>') || c == QLatin1Char('<')) {
-                    break;
-                }
-            }
-            i = j < n && p[j] == QLatin1Char('>') ? j + 1 : j;
-        }
+bool ScreenUtf8(const QByteArray& bytes, qint64 allowance, int maxAttributes, QString& message)
+{
+    const Utf8Units units{reinterpret_cast<const uchar*>(bytes.constData()), int(bytes.size())};
+    QXmlStreamEntityDeclarations declarations;
+    QString dtd;
+    int body = 0;
+    if (bytes.contains("<!DOCTYPE")) {
+        // The reader counts UTF-16 units; walk the bytes to the same place.
+        const auto offsetOf = [&](qint64 offset) {
+            int i = 0;
+            for (qint64 counted = 0; i < units.n && counted < offset; ++i)
+                counted += Utf8Units::Width(units[i]);
+            while (i < units.n && Utf8Units::Width(units[i]) == 0)
+                ++i;
+            return i;
+        };
+        body = ReadProlog(QXmlStreamReader(bytes), offsetOf, declarations, dtd);
     }
-    return true;
+    return Measure(units, body, declarations, dtd, bytes.size(), QStringLiteral("bytes"), allowance, maxAttributes,
+                   message);
 }
 
 } // namespace XmlScreen

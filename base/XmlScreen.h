@@ -16,11 +16,12 @@ namespace XmlScreen {
 
 /// A document given as bytes, decoded as QXmlStreamReader decodes it: by
 /// its byte order mark or the pattern of its first character, then by the
-/// encoding its XML declaration names.
+/// encoding its XML declaration names. A UTF-8 document is not decoded (text
+/// stays null): ScreenUtf8 measures its bytes.
 struct Decoded
 {
     QString text;
-    bool utf8 = false; // decoded as UTF-8
+    bool utf8 = false; // read as UTF-8
 };
 Decoded Decode(const QByteArray& bytes);
 
@@ -45,6 +46,8 @@ bool FindInvalidUtf8(const QByteArray& bytes, Position& position);
 /// counts what it recognises.
 bool Screen(const QString& text, qint64 inputSize, const QString& inputUnit, qint64 allowance, int maxAttributes,
             QString& message);
+/// The same for a UTF-8 document, on its bytes; inputSize is their number.
+bool ScreenUtf8(const QByteArray& bytes, qint64 allowance, int maxAttributes, QString& message);
 
 } // namespace XmlScreen
 } // namespace REPORTGENERATOR

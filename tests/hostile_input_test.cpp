@@ -581,6 +581,20 @@ TEST(HostileXml, ElementsCarryAtMost1024Attributes)
     EXPECT_LT(timer.elapsed(), 1000);
     EXPECT_EQ(ReadXml(root, document(1024)), kTrue);
     EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
+
+    // In a UTF-8 file the place is counted in characters as the reader
+    // counts them (UTF-16 units): "\u00E4" is one, "\U0001F600" two.
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QFile file(dir.filePath(QStringLiteral("attributes.xml")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(document(1025).replace(QStringLiteral("<Unknown"),
+                                      QStringLiteral("<DataOperationMode Name=\"\u00E4\U0001F600\"/><Unknown"))
+                   .toUtf8());
+    file.close();
+    EXPECT_FALSE(root.LoadXml(file.fileName()));
+    EXPECT_EQ(root.GetErrorString(), QStringLiteral("at line 1, column 54: the element has more than 1024 attributes"));
+    EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
 }
 
 TEST(HostileXml, ExternalEntitiesAreNeverFetched)

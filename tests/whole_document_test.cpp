@@ -248,7 +248,7 @@ TEST(WholeDocument, TheMaximumDocumentSizeEndsReadsOfLargerInputs)
         QStringLiteral("the text holds ") + xmlSize + QStringLiteral(" characters") + beyond + QStringLiteral("characters"),
         QStringLiteral("the file holds ") + xmlSize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
         QStringLiteral("the file holds ") + xmlSize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
-        QStringLiteral("the file holds ") + xmlSize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
+        QStringLiteral("the document holds ") + xmlSize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
         QStringLiteral("the document holds ") + binarySize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
         QStringLiteral("the document holds ") + binarySize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
         QStringLiteral("the file holds ") + binarySize + QStringLiteral(" bytes") + beyond + QStringLiteral("bytes"),
