@@ -10,7 +10,9 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
+#include <QHash>
 #include <QTextStream>
+#include <QXmlStreamReader>
 
 #include <cstdio>
 
@@ -109,6 +111,112 @@ QString describeBinaryFailure(const QByteArray& data, qint64 maxSize, const QStr
             .arg(summary.firstError);
     }
     return reason;
+}
+
+using TORVIXML::DataOperationMode;
+using TORVIXML::GuiComponentSettings;
+using TORVIXML::TorviGuiModeSettings;
+
+// An enumeration member that holds a value without a name. Read without
+// validation, that is what a text naming no value becomes; it would be
+// written as an empty text, and the text of the input would be lost.
+struct Nameless
+{
+    QString where;
+    QString member;
+};
+
+QVector<Nameless> namelessValues(const TorviGuiModeSettings& root)
+{
+    QVector<Nameless> found;
+    const QVector<DataOperationMode>& modes = root.GetDataOperationMode();
+    for (int m = 0; m < modes.size(); ++m) {
+        const DataOperationMode& mode = modes.at(m);
+        const QVector<GuiComponentSettings>& components = mode.GetGuiComponentSettings();
+        for (int c = 0; c < components.size(); ++c) {
+            const GuiComponentSettings& component = components.at(c);
+            const QString where = QStringLiteral("DataOperationMode %1 (%2), GuiComponentSettings %3 (%4)")
+                                      .arg(m + 1)
+                                      .arg(quoted(mode.GetName()))
+                                      .arg(c + 1)
+                                      .arg(quoted(component.GetName()));
+            if (component.IsGuiComponentUsageSet()
+                && component.GuiComponentUsageToName(component.GetGuiComponentUsage()).isNull())
+                found.append({where, QStringLiteral("GuiComponentUsage")});
+            if (component.IsDockWidgetLocationSet()
+                && component.DockWidgetLocationToName(component.GetDockWidgetLocation()).isNull())
+                found.append({where, QStringLiteral("DockWidgetLocation")});
+        }
+    }
+    if (root.IsOperationModeHandlerSet() && root.OperationModeHandlerToName(root.GetOperationModeHandler()).isNull())
+        found.append({QStringLiteral("TorviGuiModeSettings"), QStringLiteral("OperationModeHandler")});
+    return found;
+}
+
+// The texts of the input that name no value, per member in document order,
+// with their place: where the elements of an XML document stand as the
+// readers take them, the text elements' own text; in a binary document the
+// enumeration texts the walk finds.
+QHash<QString, QStringList> namelessTextsInXml(const QByteArray& data)
+{
+    QHash<QString, QStringList> texts;
+    QXmlStreamReader reader(data);
+    QStringList path;
+    while (!reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::EndElement && !path.isEmpty()) {
+            path.removeLast();
+            continue;
+        }
+        if (token != QXmlStreamReader::StartElement)
+            continue;
+        path << reader.name().toString();
+        const QString& name = path.last();
+        QStringList names;
+        if (path.size() == 2 && name == QLatin1String("OperationModeHandler"))
+            names = TorviGuiModeSettings::GetOperationModeHandlers();
+        else if (path.size() == 4 && path.at(1) == QLatin1String("DataOperationMode")
+                 && path.at(2) == QLatin1String("GuiComponentSettings")
+                 && name == QLatin1String("GuiComponentUsage"))
+            names = GuiComponentSettings::GetGuiComponentUsages();
+        else if (path.size() == 4 && path.at(1) == QLatin1String("DataOperationMode")
+                 && path.at(2) == QLatin1String("GuiComponentSettings")
+                 && name == QLatin1String("DockWidgetLocation"))
+            names = GuiComponentSettings::GetDockWidgetLocations();
+        else
+            continue;
+        const qint64 line = reader.lineNumber();
+        const qint64 column = reader.columnNumber() + 1;
+        const QString member = name;
+        const QString text = reader.readElementText(QXmlStreamReader::SkipChildElements);
+        path.removeLast();
+        if (!names.contains(text))
+            texts[member] << QStringLiteral("%1 (line %2, column %3)").arg(quoted(text)).arg(line).arg(column);
+    }
+    return texts;
+}
+
+QHash<QString, QStringList> namelessTextsInBinary(const QByteArray& data, qint64 maxSize)
+{
+    QHash<QString, QStringList> texts;
+    const UnpackedBinary unpacked = unpackBinary(data, maxSize);
+    const QString offsets = unpacked.kind == UnpackedBinary::Compressed ? QStringLiteral("offset %1 of the inflated bytes")
+                                                                        : QStringLiteral("offset %1");
+    walkBinary(unpacked.bytes, [&](const WalkLine& line) {
+        // "text \"LeftDock\" (not a name of DockWidgetLocation)", or
+        // "byte count 0xFFFFFFFF: null text (no name of ...)".
+        for (const QString& marker : {QStringLiteral(" (not a name of "), QStringLiteral(" (no name of ")}) {
+            const int at = line.text.lastIndexOf(marker);
+            if (at < 0 || !line.text.endsWith(QLatin1Char(')')))
+                continue;
+            const QString member = line.text.mid(at + marker.size()).chopped(1);
+            QString text = line.text.left(at);
+            if (text.startsWith(QLatin1String("text ")))
+                text = text.mid(5);
+            texts[member] << QStringLiteral("%1 (%2)").arg(text, offsets.arg(line.offset));
+        }
+    });
+    return texts;
 }
 
 } // namespace
@@ -318,6 +426,33 @@ int loadDocument(const QString& path, TORVIXML::TorviGuiModeSettings& root, bool
         message = e.GetMessageText();
         return ExitInvalidInput;
     }
+}
+
+bool reportNamelessValues(const QString& input, const QString& output, const TORVIXML::TorviGuiModeSettings& settings,
+                          const QByteArray& data, qint64 maxSize)
+{
+    // Read without validation, a text that names no value becomes a value
+    // without a name; say which, with the text where it can be found.
+    const QVector<Nameless> nameless = namelessValues(settings);
+    if (nameless.isEmpty())
+        return false;
+    const QHash<QString, QStringList> texts =
+        detectForm(data) == DocumentForm::Xml ? namelessTextsInXml(data) : namelessTextsInBinary(data, maxSize);
+    QHash<QString, int> count;
+    for (const Nameless& value : nameless)
+        ++count[value.member];
+    QHash<QString, int> next;
+    for (const Nameless& value : nameless) {
+        const QStringList& found = texts.value(value.member);
+        const QString text =
+            found.size() == count.value(value.member) ? QLatin1Char(' ') + found.at(next[value.member]++) : QString();
+        reportFileError(input, QStringLiteral("%1: %2%3 is no name of its enumeration and cannot be written back")
+                                   .arg(value.where, value.member, text));
+    }
+    reportFileError(output, QStringLiteral("not written: %1 %2 would be lost")
+                                .arg(nameless.size())
+                                .arg(nameless.size() == 1 ? QStringLiteral("value") : QStringLiteral("values")));
+    return true;
 }
 
 bool writeOutput(const QString& path, const QByteArray& bytes, QString& message)

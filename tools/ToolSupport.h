@@ -79,6 +79,14 @@ int readInput(const QString& path, qint64 maxSize, QByteArray& data, QString& me
 int loadDocument(const QString& path, TORVIXML::TorviGuiModeSettings& root, bool validate, qint64 maxSize,
                  QString& message, QByteArray* data = nullptr);
 
+/// Without validation a text that names no value of its enumeration is read
+/// as a value without a name, which would be written as an empty text. When
+/// settings hold such values, reports each (object, member, and the text of
+/// the input with its place where it can be found) and that output was not
+/// written, and returns true.
+bool reportNamelessValues(const QString& input, const QString& output, const TORVIXML::TorviGuiModeSettings& settings,
+                          const QByteArray& data, qint64 maxSize);
+
 /// Writes the bytes to path, atomically (the file is replaced only when all
 /// of them were written; otherwise it is left as it was and no temporary
 /// file remains), or to standard output for "-". On failure returns false
