@@ -209,8 +209,11 @@ FileReport checkXml(TORVIXML::TorviGuiModeSettings& settings, int status, const 
     FileReport report;
     report.status = status;
     if (report.status != ExitSuccess) {
-        // The reader's own errors come with their place.
-        static const QRegularExpression xmlError(QStringLiteral("^XML error at line (\\d+), column (\\d+): (.*)$"));
+        // The reader's own errors, and the limits the library measures on
+        // the markup before reading, come with their place. A document
+        // refused for a limit must not be read again here without it.
+        static const QRegularExpression xmlError(
+            QStringLiteral("^(?:XML error )?at line (\\d+), column (\\d+): (.*)$"));
         const QRegularExpressionMatch match = xmlError.match(message);
         if (match.hasMatch()) {
             report.diagnostics.append({xmlPlace(match.captured(1).toLongLong(), match.captured(2).toLongLong()),
