@@ -167,8 +167,12 @@ bool IRGObject::ReadXmlBytes(const QByteArray& bytes)
             return Fail(problem);
     }
     // The reader decodes the bytes itself, so that it reports what is not
-    // in the document's encoding.
-    QXmlStreamReader reader(bytes);
+    // in the document's encoding; from a device it decodes them in steps of
+    // 8 KiB, given an array it would decode all of them at once.
+    QBuffer device;
+    device.setData(bytes);
+    device.open(QIODevice::ReadOnly);
+    QXmlStreamReader reader(&device);
     return ReadXmlDocument(reader, utf8 ? &bytes : nullptr);
 }
 
