@@ -1,5 +1,7 @@
 #include "Compression.h"
 
+#include <QtEndian>
+
 #include <zlib.h>
 
 #include <limits>
@@ -13,18 +15,12 @@ QString bytesText(qint64 count)
     return count == 1 ? QStringLiteral("1 byte") : QStringLiteral("%1 bytes").arg(count);
 }
 
-quint32 bigEndian32(const char* p)
-{
-    const auto* u = reinterpret_cast<const uchar*>(p);
-    return (quint32(u[0]) << 24) | (quint32(u[1]) << 16) | (quint32(u[2]) << 8) | quint32(u[3]);
-}
-
 // Whether the first 8 inflated bytes can begin a plain document of the
 // class the limits name.
 bool HeaderFits(const char* bytes, quint32 announced, const InflateLimits& limits, QString& problem)
 {
-    const qint32 id = qint32(bigEndian32(bytes));
-    const qint64 length = qint32(bigEndian32(bytes + 4));
+    const qint32 id = qint32(qFromBigEndian<quint32>(bytes));
+    const qint64 length = qint32(qFromBigEndian<quint32>(bytes + 4));
     if (id != limits.classId) {
         problem = QStringLiteral("its inflated bytes begin with %1, not with the class id %2").arg(id).arg(limits.classId);
         return false;
@@ -118,7 +114,7 @@ bool InflateCompressed(const QByteArray& compressed, QByteArray& plain, QString*
     if (compressed.size() < 6) {
         fault = QStringLiteral("only %1: too short for a compressed document").arg(bytesText(compressed.size()));
     } else {
-        const quint32 announced = bigEndian32(compressed.constData());
+        const quint32 announced = qFromBigEndian<quint32>(compressed.constData());
         const qint64 budget = InflationBudget(compressed.size());
         if (announced == 0)
             fault = QStringLiteral("it announces an empty document");

@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
+#include <QtEndian>
 
 #include <cmath>
 #include <limits>
@@ -41,12 +42,6 @@ private:
     QDataStream& m_stream;
     QDataStream::ByteOrder m_order;
 };
-
-quint32 bigEndian32(const char* p)
-{
-    const auto* u = reinterpret_cast<const uchar*>(p);
-    return (quint32(u[0]) << 24) | (quint32(u[1]) << 16) | (quint32(u[2]) << 8) | quint32(u[3]);
-}
 
 // Reads a byte array of the given size from the stream, growing the result
 // only as the bytes arrive.
@@ -235,8 +230,8 @@ bool IRGObject::ReadBinaryBytes(const QByteArray& data)
 {
     if (data.size() > m_maxDocumentSize)
         return Fail(SizeLimitMessage(QStringLiteral("the document"), data.size(), m_maxDocumentSize));
-    const bool classFirst = data.size() >= 4 && qint32(bigEndian32(data.constData())) == qint32(m_classId);
-    if (classFirst && data.size() >= 8 && qint64(qint32(bigEndian32(data.constData() + 4))) == qint64(data.size()) - 8)
+    const bool classFirst = data.size() >= 4 && qint32(qFromBigEndian<quint32>(data.constData())) == qint32(m_classId);
+    if (classFirst && data.size() >= 8 && qint64(qint32(qFromBigEndian<quint32>(data.constData() + 4))) == qint64(data.size()) - 8)
         return ReadPlainBinary(data);
     InflateLimits limits;
     limits.maxSize = m_maxDocumentSize;
@@ -249,7 +244,7 @@ bool IRGObject::ReadBinaryBytes(const QByteArray& data)
         return ReadPlainBinary(plain);
     if (classFirst && data.size() >= 8) {
         return Fail(QStringLiteral("the object length %1 does not match the %2 bytes behind it")
-                        .arg(qint32(bigEndian32(data.constData() + 4)))
+                        .arg(qint32(qFromBigEndian<quint32>(data.constData() + 4)))
                         .arg(data.size() - 8));
     }
     return Fail(QStringLiteral("neither a plain %1 document (class id %2) nor a compressed one: %3")
