@@ -1,5 +1,7 @@
 #include "Compression.h"
 
+#include <QtEndian>
+
 #include <zlib.h>
 
 #include <limits>
@@ -13,7 +15,27 @@ QString bytesText(qint64 count)
     return count == 1 ? QStringLiteral("1 byte") : QStringLiteral("%1 bytes").arg(count);
 }
 
-bool Inflate(const QByteArray& data, quint32 announced, QByteArray& out, QString& problem)
+// Whether the first 8 inflated bytes can begin a plain document of the
+// class the limits name.
+bool HeaderFits(const char* bytes, quint32 announced, const InflateLimits& limits, QString& problem)
+{
+    const qint32 id = qint32(qFromBigEndian<quint32>(bytes));
+    const qint64 length = qint32(qFromBigEndian<quint32>(bytes + 4));
+    if (id != limits.classId) {
+        problem = QStringLiteral("its inflated bytes begin with %1, not with the class id %2").arg(id).arg(limits.classId);
+        return false;
+    }
+    if (length != qint64(announced) - 8) {
+        problem = QStringLiteral("its inflated object length %1 is not the announced size minus 8 (%2)")
+                      .arg(length)
+                      .arg(qint64(announced) - 8);
+        return false;
+    }
+    return true;
+}
+
+bool Inflate(const QByteArray& data, quint32 announced, const InflateLimits& limits, QByteArray& out,
+             QString& problem)
 {
     z_stream zs{};
     if (inflateInit(&zs) != Z_OK) {
@@ -51,7 +73,13 @@ bool Inflate(const QByteArray& data, quint32 announced, QByteArray& out, QString
         zs.next_out = reinterpret_cast<Bytef*>(out.data() + produced);
         zs.avail_out = uInt(capacity - produced);
         rc = inflate(&zs, Z_NO_FLUSH);
+        const qint64 before = produced;
         produced = capacity - zs.avail_out;
+        if (limits.checkHeader && before < 8 && produced >= 8
+            && !HeaderFits(out.constData(), announced, limits, problem)) {
+            rc = Z_DATA_ERROR;
+            break;
+        }
         if (rc == Z_BUF_ERROR && zs.avail_out != 0) {
             problem = QStringLiteral("the zlib stream ends early, after %1 of the announced %2")
                           .arg(bytesText(produced)).arg(announced);
@@ -79,21 +107,35 @@ bool Inflate(const QByteArray& data, quint32 announced, QByteArray& out, QString
 
 } // namespace
 
-bool InflateCompressed(const QByteArray& compressed, QByteArray& plain, QString* problem)
+bool InflateCompressed(const QByteArray& compressed, QByteArray& plain, QString* problem, const InflateLimits& limits)
 {
     QString fault;
     bool ok = false;
     if (compressed.size() < 6) {
         fault = QStringLiteral("only %1: too short for a compressed document").arg(bytesText(compressed.size()));
     } else {
-        const auto* u = reinterpret_cast<const uchar*>(compressed.constData());
-        const quint32 announced = (quint32(u[0]) << 24) | (quint32(u[1]) << 16) | (quint32(u[2]) << 8) | quint32(u[3]);
+        const quint32 announced = qFromBigEndian<quint32>(compressed.constData());
+        const qint64 budget = InflationBudget(compressed.size());
         if (announced == 0)
             fault = QStringLiteral("it announces an empty document");
         else if (announced > quint32(std::numeric_limits<int>::max() - 1))
             fault = QStringLiteral("the announced size %1 is more than a byte array holds").arg(announced);
+        else if (qint64(announced) > limits.maxSize)
+            fault = QStringLiteral("it announces %1, more than the maximum document size of %2")
+                        .arg(bytesText(announced))
+                        .arg(bytesText(limits.maxSize));
+        else if (limits.budget && qint64(announced) > budget)
+            fault = QStringLiteral("it announces %1, more than the %2 that %3 may inflate to (%4 times as many "
+                                   "plus %5)")
+                        .arg(bytesText(announced))
+                        .arg(budget)
+                        .arg(bytesText(compressed.size()))
+                        .arg(MaxInflationFactor)
+                        .arg(InflationAllowance);
+        else if (limits.checkHeader && announced < 8)
+            fault = QStringLiteral("it announces %1, too few for a document").arg(bytesText(announced));
         else
-            ok = Inflate(compressed, announced, plain, fault);
+            ok = Inflate(compressed, announced, limits, plain, fault);
     }
     if (!ok) {
         plain.clear();

@@ -1,16 +1,20 @@
 #include "IRGObject.h"
 
 #include "Compression.h"
+#include "DocumentIO.h"
+#include "OutOfRangeException.h"
+#include "XmlScreen.h"
 #include "torvixml_version.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QByteArray>
 #include <QDataStream>
 #include <QDateTime>
 #include <QFile>
-#include <QSaveFile>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
+#include <QtEndian>
 
 #include <cmath>
 #include <limits>
@@ -38,12 +42,6 @@ private:
     QDataStream& m_stream;
     QDataStream::ByteOrder m_order;
 };
-
-quint32 bigEndian32(const char* p)
-{
-    const auto* u = reinterpret_cast<const uchar*>(p);
-    return (quint32(u[0]) << 24) | (quint32(u[1]) << 16) | (quint32(u[2]) << 8) | quint32(u[3]);
-}
 
 // Reads a byte array of the given size from the stream, growing the result
 // only as the bytes arrive.
@@ -99,38 +97,160 @@ void IRGObject::SetInvalid(QString& value) const { value = QString(); }
 void IRGObject::SetInvalid(double& value) const { value = std::numeric_limits<double>::quiet_NaN(); }
 void IRGObject::SetInvalid(int& value) const { value = std::numeric_limits<int>::min(); }
 
-bool IRGObject::SetXmlString(const QString& xml, bool resetFirst)
+// Every whole-document read runs here: into a new object of this class that
+// reads with this object's flag, logger and limit, taken over only when the
+// whole document was read. The reason of a failure goes to this object.
+template <typename Read>
+bool IRGObject::ReadReplacing(Read&& read)
 {
-    if (resetFirst)
-        Reset();
-    QXmlStreamReader reader(xml);
-    return ReadXmlDocument(reader);
+    m_errorString.clear();
+    std::unique_ptr<IRGObject> fresh = CreateEmpty();
+    if (!fresh)
+        return Fail(QStringLiteral("%1 cannot make an object to read into").arg(GetObjectName()));
+    fresh->SetValidate(GetValidate());
+    fresh->SetLogger(GetLogger());
+    fresh->m_maxDocumentSize = m_maxDocumentSize;
+    bool complete = false;
+    try {
+        complete = read(*fresh);
+    } catch (const ReportException& e) {
+        m_errorString = e.GetMessageText();
+        throw;
+    }
+    if (!complete)
+        return Fail(fresh->m_errorString);
+    TakeContent(*fresh);
+    return true;
 }
 
-bool IRGObject::ReadXmlDocument(QXmlStreamReader& reader)
+bool IRGObject::Fail(const QString& reason) const
+{
+    m_errorString = reason;
+    return false;
+}
+
+bool IRGObject::SetXmlString(const QString& xml, bool)
+{
+    return ReadReplacing([&](IRGObject& object) { return object.ReadXmlText(xml); });
+}
+
+bool IRGObject::ReadXmlText(const QString& xml)
+{
+    const QString characters = QStringLiteral("characters");
+    if (xml.size() > m_maxDocumentSize)
+        return Fail(SizeLimitMessage(QStringLiteral("the text"), xml.size(), m_maxDocumentSize, characters));
+    QString problem;
+    if (!XmlScreen::Screen(xml, xml.size(), characters, XmlEntityAllowance, MaxXmlAttributes, problem))
+        return Fail(problem);
+    QXmlStreamReader reader(xml);
+    return ReadXmlDocument(reader, nullptr);
+}
+
+bool IRGObject::ReadXmlBytes(const QByteArray& bytes)
+{
+    if (bytes.size() > m_maxDocumentSize)
+        return Fail(SizeLimitMessage(QStringLiteral("the document"), bytes.size(), m_maxDocumentSize));
+    bool utf8 = false;
+    {
+        const XmlScreen::Decoded decoded = XmlScreen::Decode(bytes);
+        utf8 = decoded.utf8;
+        QString problem;
+        const bool within = utf8 ? XmlScreen::ScreenUtf8(bytes, XmlEntityAllowance, MaxXmlAttributes, problem)
+                                 : XmlScreen::Screen(decoded.text, bytes.size(), QStringLiteral("bytes"),
+                                                     XmlEntityAllowance, MaxXmlAttributes, problem);
+        if (!within)
+            return Fail(problem);
+    }
+    // The reader decodes the bytes itself, so that it reports what is not
+    // in the document's encoding; from a device it decodes them in steps of
+    // 8 KiB, given an array it would decode all of them at once.
+    QBuffer device;
+    device.setData(bytes);
+    device.open(QIODevice::ReadOnly);
+    QXmlStreamReader reader(&device);
+    return ReadXmlDocument(reader, utf8 ? &bytes : nullptr);
+}
+
+bool IRGObject::ReadXmlDocument(QXmlStreamReader& reader, const QByteArray* utf8)
 {
     while (!reader.atEnd() && reader.readNext() != QXmlStreamReader::StartElement) {
     }
-    if (reader.hasError() || !reader.isStartElement() || reader.name() != GetObjectName())
-        return false;
-    ProcessXml(reader);
+    if (reader.hasError())
+        return FailXml(reader, utf8);
+    if (!reader.isStartElement())
+        return Fail(QStringLiteral("the document holds no element"));
+    if (reader.name() != GetObjectName()) {
+        return Fail(QStringLiteral("the document element is <%1>, not <%2>")
+                        .arg(reader.name().toString(), GetObjectName()));
+    }
+    try {
+        ProcessXml(reader);
+    } catch (const ReportException&) {
+        // A setter or an append refused what it got. When the document is
+        // broken (the text it got was cut off by the break, or the document
+        // breaks further on), the document is what is wrong.
+        while (!reader.atEnd())
+            reader.readNext();
+        if (!reader.hasError())
+            throw;
+        return FailXml(reader, utf8);
+    }
     // Read the rest, so that anything malformed behind the root is noticed.
     while (!reader.atEnd())
         reader.readNext();
-    return !reader.hasError();
+    if (reader.hasError())
+        return FailXml(reader, utf8);
+    return true;
+}
+
+bool IRGObject::FailXml(const QXmlStreamReader& reader, const QByteArray* utf8) const
+{
+    // The reader decodes all the bytes it has before it parses them and
+    // reports bytes outside the encoding where it stands when it finds
+    // them, which is where the decoding began; the first of those bytes is
+    // where the error is.
+    XmlScreen::Position position;
+    position.line = reader.lineNumber();
+    position.column = reader.columnNumber();
+    const QString encodingError = QCoreApplication::translate("QXmlStream", "Encountered incorrectly encoded content.");
+    if (utf8 && reader.errorString() == encodingError)
+        XmlScreen::FindInvalidUtf8(*utf8, position);
+    return Fail(QStringLiteral("XML error at line %1, column %2: %3")
+                    .arg(position.line)
+                    .arg(position.column)
+                    .arg(reader.errorString()));
 }
 
 bool IRGObject::SetBinaryRepresentation(QByteArray& data)
 {
-    if (data.size() >= 8 && qint32(bigEndian32(data.constData())) == qint32(m_classId)
-        && qint64(qint32(bigEndian32(data.constData() + 4))) == qint64(data.size()) - 8)
+    return ReadReplacing([&](IRGObject& object) { return object.ReadBinaryBytes(data); });
+}
+
+bool IRGObject::ReadBinaryBytes(const QByteArray& data)
+{
+    if (data.size() > m_maxDocumentSize)
+        return Fail(SizeLimitMessage(QStringLiteral("the document"), data.size(), m_maxDocumentSize));
+    const bool classFirst = data.size() >= 4 && qint32(qFromBigEndian<quint32>(data.constData())) == qint32(m_classId);
+    if (classFirst && data.size() >= 8 && qint64(qint32(qFromBigEndian<quint32>(data.constData() + 4))) == qint64(data.size()) - 8)
         return ReadPlainBinary(data);
+    InflateLimits limits;
+    limits.maxSize = m_maxDocumentSize;
+    limits.budget = true;
+    limits.checkHeader = true;
+    limits.classId = qint32(m_classId);
     QByteArray plain;
-    if (!InflateCompressed(data, plain))
-        return false;
-    if (plain.size() < 8 || qint32(bigEndian32(plain.constData())) != qint32(m_classId))
-        return false;
-    return ReadPlainBinary(plain);
+    QString problem;
+    if (InflateCompressed(data, plain, &problem, limits))
+        return ReadPlainBinary(plain);
+    if (classFirst && data.size() >= 8) {
+        return Fail(QStringLiteral("the object length %1 does not match the %2 bytes behind it")
+                        .arg(qint32(qFromBigEndian<quint32>(data.constData() + 4)))
+                        .arg(data.size() - 8));
+    }
+    return Fail(QStringLiteral("neither a plain %1 document (class id %2) nor a compressed one: %3")
+                    .arg(GetObjectName())
+                    .arg(m_classId)
+                    .arg(problem));
 }
 
 bool IRGObject::ReadPlainBinary(const QByteArray& data)
@@ -138,41 +258,62 @@ bool IRGObject::ReadPlainBinary(const QByteArray& data)
     QBuffer buffer;
     buffer.setData(data);
     if (!buffer.open(QIODevice::ReadOnly))
-        return false;
+        return Fail(buffer.errorString());
     QDataStream stream(&buffer);
     stream.setByteOrder(QDataStream::BigEndian);
     qint32 id = 0;
     qint32 length = 0;
     stream >> id >> length;
-    if (stream.status() != QDataStream::Ok || id != qint32(m_classId))
-        return false;
     SetBinary(stream, length);
-    return stream.status() == QDataStream::Ok && stream.atEnd();
+    if (stream.status() != QDataStream::Ok)
+        return Fail(QStringLiteral("the document ends inside a text or list its records announce"));
+    // The records add up (or the object threw), but a record may hold more
+    // than its payload used.
+    if (!stream.atEnd())
+        return Fail(QStringLiteral("a record holds bytes its payload does not use"));
+    return true;
 }
 
 bool IRGObject::SetBinaryRepresentation(QDataStream& stream)
 {
     BigEndianScope order(stream);
+    return ReadReplacing([&](IRGObject& object) { return object.ReadBinaryStream(stream); });
+}
+
+bool IRGObject::ReadBinaryStream(QDataStream& stream)
+{
     qint32 first = 0;
     stream >> first;
     if (stream.status() != QDataStream::Ok)
-        return false;
+        return Fail(QStringLiteral("the stream ends before a document begins"));
     if (first == qint32(m_classId)) {
         qint32 length = 0;
         stream >> length;
         if (stream.status() != QDataStream::Ok)
-            return false;
+            return Fail(QStringLiteral("the stream ends inside the document's object length"));
+        if (qint64(length) + 8 > m_maxDocumentSize)
+            return Fail(SizeLimitMessage(QStringLiteral("the document"), qint64(length) + 8, m_maxDocumentSize));
         SetBinary(stream, length);
-        return stream.status() == QDataStream::Ok;
+        if (stream.status() != QDataStream::Ok)
+            return Fail(QStringLiteral("the stream ends inside the document"));
+        return true;
     }
     // Otherwise the byte count of a compressed document.
     const quint32 count = quint32(first);
-    if (count == 0xFFFFFFFFu || count < 6 || count > quint32(std::numeric_limits<int>::max() - 1))
-        return false;
+    if (count == 0xFFFFFFFFu || count < 6) {
+        return Fail(QStringLiteral("the stream holds neither a %1 document (class id %2) nor a compressed one (its "
+                                   "first word %3 is no byte count of one)")
+                        .arg(GetObjectName())
+                        .arg(m_classId)
+                        .arg(first));
+    }
+    if (qint64(count) > m_maxDocumentSize) {
+        return Fail(SizeLimitMessage(QStringLiteral("the compressed document"), qint64(count), m_maxDocumentSize));
+    }
     QByteArray compressed;
     if (!readChunked(stream, count, compressed))
-        return false;
-    return SetBinaryRepresentation(compressed);
+        return Fail(QStringLiteral("the stream ends inside the compressed document of %1 bytes").arg(count));
+    return ReadBinaryBytes(compressed);
 }
 
 bool IRGObject::MergeRGObject(const IRGObject&)
@@ -225,6 +366,17 @@ void IRGObject::ProcessXml(QXmlStreamReader& reader)
 
 QString IRGObject::GetXmlString() const
 {
+    m_errorString.clear();
+    try {
+        return WriteXmlString();
+    } catch (const ReportException& e) {
+        m_errorString = e.GetMessageText();
+        throw;
+    }
+}
+
+QString IRGObject::WriteXmlString() const
+{
     QByteArray bytes;
     {
         QBuffer buffer(&bytes);
@@ -274,12 +426,12 @@ bool IRGObject::LoadXml(const QString& fileName)
 }
 
 namespace {
-// Opens a file for reading unless the caller already did, and closes it again
-// only in the first case.
+// Opens a device for reading unless the caller already did, and closes it
+// again only in the first case.
 class ReadAccess
 {
 public:
-    explicit ReadAccess(QFile* file)
+    explicit ReadAccess(QIODevice* file)
         : m_file(file)
     {
         if (!file)
@@ -300,30 +452,52 @@ public:
     bool ok() const { return m_ok; }
 
 private:
-    QFile* m_file;
+    QIODevice* m_file;
     bool m_ok = false;
     bool m_opened = false;
 };
 } // namespace
 
+bool IRGObject::ReadDevice(QIODevice* device, QByteArray& data)
+{
+    if (!device)
+        return Fail(QStringLiteral("no file given"));
+    ReadAccess access(device);
+    if (!access.ok())
+        return Fail(QStringLiteral("cannot open for reading: %1").arg(device->errorString()));
+    // Bytes already in memory are shared rather than copied.
+    if (auto* buffer = qobject_cast<QBuffer*>(device)) {
+        const qint64 remaining = buffer->size() - buffer->pos();
+        if (remaining > m_maxDocumentSize) {
+            return Fail(SizeLimitMessage(QStringLiteral("the document"), remaining, m_maxDocumentSize));
+        }
+        data = buffer->pos() == 0 ? buffer->data() : buffer->data().mid(int(buffer->pos()));
+        buffer->seek(buffer->size());
+        return true;
+    }
+    QString problem;
+    return ReadWholeDevice(*device, m_maxDocumentSize, data, problem) || Fail(problem);
+}
+
 bool IRGObject::LoadXml(QFile* file)
 {
-    ReadAccess access(file);
-    if (!access.ok())
-        return false;
-    Reset();
-    QXmlStreamReader reader(file);
-    return ReadXmlDocument(reader);
+    return LoadXml(static_cast<QIODevice*>(file));
+}
+
+bool IRGObject::LoadXml(QIODevice* device)
+{
+    return ReadReplacing([&](IRGObject& object) {
+        QByteArray data;
+        return object.ReadDevice(device, data) && object.ReadXmlBytes(data);
+    });
 }
 
 bool IRGObject::LoadBinary(QFile* file)
 {
-    ReadAccess access(file);
-    if (!access.ok())
-        return false;
-    QByteArray data = file->readAll();
-    Reset();
-    return SetBinaryRepresentation(data);
+    return ReadReplacing([&](IRGObject& object) {
+        QByteArray data;
+        return object.ReadDevice(file, data) && object.ReadBinaryBytes(data);
+    });
 }
 
 bool IRGObject::SaveXml(const QString& fileName) const
@@ -331,14 +505,8 @@ bool IRGObject::SaveXml(const QString& fileName) const
     // The document is complete in memory before the file is touched, so an
     // exception of the concrete class leaves the file system unchanged.
     const QByteArray bytes = GetXmlString().toUtf8();
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    if (file.write(bytes) != bytes.size()) {
-        file.cancelWriting();
-        return false;
-    }
-    return file.commit();
+    QString problem;
+    return WriteFileAtomically(fileName, bytes, problem) || Fail(problem);
 }
 
 void IRGObject::SetValidate(bool validate) const
@@ -375,6 +543,83 @@ void IRGObject::SetObjectType(ObjectTypes type)
 std::shared_ptr<Logger> IRGObject::GetLogger() const
 {
     return m_logger;
+}
+
+void IRGObject::SetMaxDocumentSize(qint64 bytes)
+{
+    m_maxDocumentSize = qMax<qint64>(1, bytes);
+}
+
+qint64 IRGObject::GetMaxDocumentSize() const
+{
+    return m_maxDocumentSize;
+}
+
+QString IRGObject::GetErrorString() const
+{
+    return m_errorString;
+}
+
+namespace {
+
+// Index of the first character of text that fails isChar, or -1. Surrogate
+// pairs are one character; a surrogate without its partner always fails.
+template <typename IsChar>
+int FindCharacter(const QString& text, IsChar&& isChar)
+{
+    const int n = text.size();
+    for (int i = 0; i < n; ++i) {
+        const ushort c = text.at(i).unicode();
+        if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(text.at(i + 1).unicode())) {
+            ++i;
+            continue;
+        }
+        if (QChar::isSurrogate(c) || !isChar(c))
+            return i;
+    }
+    return -1;
+}
+
+} // namespace
+
+int IRGObject::FindNonXmlCharacter(const QString& text)
+{
+    return FindCharacter(text, [](ushort c) {
+        return c >= 0x20 ? c != 0xFFFE && c != 0xFFFF : c == 0x09 || c == 0x0A || c == 0x0D;
+    });
+}
+
+int IRGObject::FindUnpairedSurrogate(const QString& text)
+{
+    return FindCharacter(text, [](ushort) { return true; });
+}
+
+void IRGObject::RequireXmlText(const QString& text, const char* what) const
+{
+    RequireText(text, FindNonXmlCharacter(text), what, "XML 1.0");
+}
+
+void IRGObject::RequireUtf8Text(const QString& text, const char* what) const
+{
+    RequireText(text, FindUnpairedSurrogate(text), what, "UTF-8");
+}
+
+void IRGObject::RequireText(const QString& text, int index, const char* what, const char* form) const
+{
+    if (index < 0)
+        return;
+    // Count in characters: a surrogate pair before the place is one.
+    const QString before = text.left(index);
+    const int position = before.toUcs4().size() + 1;
+    const QString code = QString::number(text.at(index).unicode(), 16).toUpper().rightJustified(4, QLatin1Char('0'));
+    constexpr int Shown = 32;
+    const QString after = before.isEmpty() ? QString()
+        : before.size() <= Shown ? QStringLiteral(" (after \"%1\")").arg(before)
+                                 : QStringLiteral(" (after \"...%1\")").arg(before.right(Shown));
+    throw OutOfRangeException(QStringLiteral("%1: %2 holds U+%3 at character %4%5, which %6 cannot represent.")
+                                  .arg(GetObjectName(), QLatin1String(what), code)
+                                  .arg(position)
+                                  .arg(after, QLatin1String(form)));
 }
 
 int IRGObject::skipCurrentElement(QDataStream& stream, int length, int) const

@@ -86,6 +86,23 @@ struct HandedDown
     }
 };
 
+/// While one of these lives, list fields copied on its thread take their
+/// default and work elements but none of the list's elements. That makes a
+/// record with another record's defaults and invalid values without copying
+/// what it holds (see CreateEmpty in TORVIXML_VALUE_CLASS).
+class ElementsLeftOut
+{
+public:
+    ElementsLeftOut() { ++s_depth; }
+    ~ElementsLeftOut() { --s_depth; }
+    ElementsLeftOut(const ElementsLeftOut&) = delete;
+    ElementsLeftOut& operator=(const ElementsLeftOut&) = delete;
+    static bool Active() { return s_depth > 0; }
+
+private:
+    static inline thread_local int s_depth = 0;
+};
+
 /// The fields of a list member: a default element (stored and returned
 /// only), the list, and the work element into which the XML reader reads
 /// each child before appending it.
@@ -100,7 +117,8 @@ struct ListField
         : defaultElement(other.defaultElement)
         , readElement(other.readElement)
     {
-        Assign(other.list);
+        if (!ElementsLeftOut::Active())
+            Assign(other.list);
     }
     ListField& operator=(const ListField&) = delete;
 

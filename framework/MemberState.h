@@ -23,6 +23,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -145,6 +146,32 @@ void Reset(const Class& object)
         return;
     d->ClearSetFlags();
     Access<Class>::ConstNoClearReset(object);
+}
+
+/// CreateEmpty(): a new object of the class without values, but with this
+/// object's defaults and invalid values, which decide what a read stores.
+/// The list elements are left out of the record's copy, not copied and
+/// dropped.
+template <typename Class>
+std::unique_ptr<REPORTGENERATOR::IRGObject> CreateEmpty(const Class& object)
+{
+    auto empty = std::make_unique<Class>();
+    const auto& d = Access<Class>::Record(object);
+    if (d) {
+        const ElementsLeftOut elementsLeftOut;
+        Access<Class>::Record(*empty) = new typename Members<Class>::Data(*d.constData());
+    }
+    empty->Reset();
+    return empty;
+}
+
+/// TakeContent(): the content of source, an object that CreateEmpty() made,
+/// moved over as the class's move assignment does (flag and logger stay).
+template <typename Class>
+void TakeContent(Class& object, REPORTGENERATOR::IRGObject& source)
+{
+    if (auto* read = dynamic_cast<Class*>(&source))
+        object = std::move(*read);
 }
 
 template <typename Class>

@@ -117,8 +117,8 @@ Outcome Attempt(Read&& read)
     return outcome;
 }
 
-/// A root that already holds a mode with a component and a handler, for
-/// the operations that reset first: afterwards nothing of it may show.
+/// A root that already holds a mode with a component and a handler: a read
+/// into it either replaces all of it or, failing, leaves all of it.
 inline TorviGuiModeSettings Preloaded(bool validate)
 {
     GuiComponentSettings component;
@@ -215,6 +215,8 @@ inline void CheckXmlFixedPoint(const TorviGuiModeSettings& object)
     CheckFixedPoint<QString>(object, "XML", LooseXml, ReadOwnXml, [](const QString& xml) { return xml.toUtf8(); });
 }
 
+inline bool HasXmlNames(const TorviGuiModeSettings& object);
+
 /// An object that passes Check() must be writable in validation mode, and
 /// since every part of it then has data, the documents must equal those
 /// written with validation off.
@@ -233,12 +235,38 @@ inline void CheckValidatedWrite(const TorviGuiModeSettings& object)
     QString xml;
     try {
         binary = strict.GetBinaryRepresentationAsQByteArray();
-        xml = strict.GetXmlString();
+        if (HasXmlNames(object))
+            xml = strict.GetXmlString();
     } catch (const ReportException& e) {
         Fail("an object that passes Check() fails to write", e.GetMessageText().toUtf8());
     }
     Require(binary == LooseBinary(object), "validated binary differs from the unvalidated one");
-    Require(xml == LooseXml(object), "validated XML differs from the unvalidated one");
+    if (HasXmlNames(object))
+        Require(xml == LooseXml(object), "validated XML differs from the unvalidated one");
+}
+
+/// A tree whose names XML cannot hold is refused by the XML writers, in
+/// either mode, with OutOfRangeException: nothing is written without them.
+inline void CheckXmlRefusal(const TorviGuiModeSettings& object)
+{
+    for (const bool validate : {false, true}) {
+        TorviGuiModeSettings copy(object);
+        copy.SetValidate(validate);
+        try {
+            copy.GetXmlString();
+        } catch (const OutOfRangeException& e) {
+            if (e.GetMessageText().endsWith(QStringLiteral(", which XML 1.0 cannot represent.")))
+                continue;
+            if (validate)
+                continue; // an incomplete tree, refused by Check() first
+            Fail("writing XML threw another OutOfRangeException", e.GetMessageText().toUtf8());
+        } catch (const ReportException& e) {
+            if (validate)
+                continue;
+            Fail("writing XML threw something else", e.GetMessageText().toUtf8());
+        }
+        Fail("a tree with names XML cannot hold was written as XML");
+    }
 }
 
 /// Whether every name in the tree can travel in an XML 1.0 document:
@@ -297,6 +325,8 @@ inline void CheckAll(const TorviGuiModeSettings& object)
     CheckValidatedWrite(object);
     if (HasXmlNames(object))
         CheckXmlFixedPoint(object);
+    else
+        CheckXmlRefusal(object);
 }
 
 /// Runs the oracles once per distinct state within one input: most ways of
@@ -328,15 +358,22 @@ inline void CheckValidationOnlyRefuses(const Outcome& lax, const TorviGuiModeSet
     Require(StateKey(laxObject) == StateKey(strictObject), "validation mode changed what a read produced");
 }
 
-/// A read that resets first must end exactly like the same read into a
-/// fresh object.
-inline void CheckResetFirst(const Outcome& fresh, const TorviGuiModeSettings& freshObject, const Outcome& reset,
-                            const TorviGuiModeSettings& resetObject)
+/// A whole-document read into an object that held something ends like the
+/// same read into a fresh object: the same result or exception, and on
+/// success the same object; after false or an exception the object holds
+/// exactly what it held before.
+inline void CheckAllOrNothing(const Outcome& fresh, const TorviGuiModeSettings& freshObject, const Outcome& into,
+                              const TorviGuiModeSettings& intoObject, const TorviGuiModeSettings& before)
 {
-    Require(fresh == reset, "a read after Reset() has another result than into a fresh object",
-            fresh.Describe() + " / " + reset.Describe());
-    Require(StateKey(freshObject) == StateKey(resetObject),
-            "a read after Reset() produced another object than into a fresh object");
+    Require(fresh == into, "a read into a filled object has another result than into a fresh one",
+            fresh.Describe() + " / " + into.Describe());
+    if (into == Outcome{true, QString()}) {
+        Require(StateKey(freshObject) == StateKey(intoObject),
+                "a successful read into a filled object produced another object than into a fresh one");
+    } else {
+        Require(StateKey(intoObject) == StateKey(before), "a failed read changed the object");
+        Require(StateKey(freshObject) == StateKey(TorviGuiModeSettings()), "a failed read changed a fresh object");
+    }
 }
 
 } // namespace TorviFuzz

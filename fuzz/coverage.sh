@@ -32,11 +32,11 @@ for name in binary xml; do
   folders=("$CORPUS_ROOT/$name")
   [ "$(realpath "$CORPUS_ROOT/$name")" != "$(realpath "fuzz/corpus/$name")" ] && folders+=("fuzz/corpus/$name")
   LLVM_PROFILE_FILE="$profiles/$name-%p.profraw" \
-    "$BUILD_DIR/fuzz/fuzz_$name" -runs=0 -rss_limit_mb=2048 -timeout=30 "${folders[@]}" \
+    "$BUILD_DIR/bin/fuzz_$name" -runs=0 -rss_limit_mb=2048 -timeout=30 "${folders[@]}" \
     >"$profiles/$name.log" 2>&1
   echo "fuzz_$name: $(find "${folders[@]}" -type f | wc -l) inputs replayed"
 done
 llvm-profdata merge -sparse "$profiles"/*.profraw -o "$profiles/all.profdata"
-libraries=(-object "$BUILD_DIR/libTorviXML.so" -object "$BUILD_DIR/base/libTorviRGBase.so")
-llvm-cov report "$BUILD_DIR/fuzz/fuzz_binary" "${libraries[@]}" -instr-profile="$profiles/all.profdata" \
+libraries=(-object "$BUILD_DIR/lib/libTorviXML.so" -object "$BUILD_DIR/lib/libTorviRGBase.so")
+llvm-cov report "$BUILD_DIR/bin/fuzz_binary" "${libraries[@]}" -instr-profile="$profiles/all.profdata" \
   base/ representation/

@@ -13,12 +13,14 @@
 //    plain one does;
 //  - both, input and plain document, through SetBinaryRepresentation(
 //    QDataStream&) from a QBuffer and from a file device, which must agree.
-// Every plain document is also read by the independent model of
-// BinaryModel.h, which must agree on result, exception and object. Every
-// object read, also after false or an exception, goes through the oracles of
-// FuzzSupport.h; besides, validation mode may only add refusals,
-// and LoadBinary (which resets first) must end like a read into a fresh
-// object.
+// The records of every plain document are read by the root's own reader
+// (SetBinary), which keeps what it read up to a failure, and by the
+// independent model of BinaryModel.h; both must agree on result, exception
+// and object, and the whole-document read must end with the same result and,
+// on success, the same object, on failure an unchanged one. Every object
+// read goes through the oracles of FuzzSupport.h; besides, validation mode
+// may only add refusals, and a read into an object that already holds a tree
+// ends like a read into a fresh one, or leaves the tree as it was.
 
 #include "BinaryModel.h"
 #include "FuzzSupport.h"
@@ -97,6 +99,23 @@ Outcome Load(TorviGuiModeSettings& object, const QByteArray& bytes)
     return Attempt([&] { return object.LoadBinary(&file); });
 }
 
+/// The root's own reader on the records of a plain document, as the model
+/// reads them: what it read stays in the object also after a failure.
+Outcome ReadRecords(TorviGuiModeSettings& object, const QByteArray& plain)
+{
+    QBuffer buffer;
+    buffer.setData(plain);
+    buffer.open(QIODevice::ReadOnly);
+    QDataStream stream(&buffer);
+    qint32 id = 0;
+    qint32 length = 0;
+    stream >> id >> length;
+    return Attempt([&] {
+        object.SetBinary(stream, length);
+        return stream.status() == QDataStream::Ok && stream.atEnd();
+    });
+}
+
 QByteArray PlainDocument(const QByteArray& input)
 {
     const qint32 classId = qint32(TorviGuiModeSettings::id);
@@ -134,17 +153,26 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
         TorviGuiModeSettings loaded = Preloaded(validate);
         const Outcome loadOutcome = Load(loaded, input);
-        CheckResetFirst(rawOutcome[validate], raw[validate], loadOutcome, loaded);
+        CheckAllOrNothing(rawOutcome[validate], raw[validate], loadOutcome, loaded, Preloaded(validate));
 
         fromPlain[validate].SetValidate(validate);
         plainOutcome[validate] = ReadArray(fromPlain[validate], plain);
         check(fromPlain[validate]);
 
+        TorviGuiModeSettings records;
+        records.SetValidate(validate);
+        const Outcome recordsOutcome = ReadRecords(records, plain);
+        check(records);
         Model::Root model;
         const Outcome modelOutcome = Model::ReadPlainDocument(plain, validate, model);
-        Require(plainOutcome[validate] == modelOutcome, "the library and the model read a document differently",
+        Require(recordsOutcome == modelOutcome, "the library and the model read a document differently",
+                recordsOutcome.Describe() + " / model: " + modelOutcome.Describe());
+        Require(Model::Same(model, records), "the library and the model read different objects");
+        Require(plainOutcome[validate] == modelOutcome, "the whole-document read ends unlike the records' reader",
                 plainOutcome[validate].Describe() + " / model: " + modelOutcome.Describe());
-        Require(Model::Same(model, fromPlain[validate]), "the library and the model read different objects");
+        Require(plainOutcome[validate].result ? StateKey(fromPlain[validate]) == StateKey(records)
+                                              : StateKey(fromPlain[validate]) == StateKey(TorviGuiModeSettings()),
+                "the whole-document read kept something other than the whole document or nothing");
 
         TorviGuiModeSettings fromCompressed;
         fromCompressed.SetValidate(validate);

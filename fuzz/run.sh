@@ -43,7 +43,7 @@ export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1}
 run_one() {
   local name=$1
   mkdir -p "$WORK_DIR/corpus/$name" "$WORK_DIR/findings/$name"
-  "$BUILD_DIR/fuzz/fuzz_$name" -max_total_time="$SECONDS_PER_FUZZER" -rss_limit_mb=512 -timeout=5 \
+  "$BUILD_DIR/bin/fuzz_$name" -max_total_time="$SECONDS_PER_FUZZER" -rss_limit_mb=512 -timeout=5 \
     -print_final_stats=1 -dict="fuzz/$name.dict" -artifact_prefix="$WORK_DIR/findings/$name/" \
     "$WORK_DIR/corpus/$name" "fuzz/corpus/$name" >"$WORK_DIR/$name.log" 2>&1
 }

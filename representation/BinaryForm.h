@@ -41,8 +41,10 @@ public:
         m_out.CloseLength(start);
     }
     template <typename Class, typename Data>
-    void Scalar(const Class&, const Framework::TextMember<Data>& row, const QString& value)
+    void Scalar(const Class& object, const Framework::TextMember<Data>& row, const QString& value)
     {
+        // UTF-8 has no form for an unpaired surrogate: refused, not replaced.
+        object.RequireUtf8Text(value, row.name);
         const qint64 start = OpenRecord(row.binaryId);
         m_out.Text(value);
         m_out.CloseLength(start);

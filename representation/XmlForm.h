@@ -47,8 +47,10 @@ public:
         Put(Framework::MemberName<Class>(row.bit), row.xml, row.names().Name(value));
     }
     template <typename Class, typename Data>
-    void Scalar(const Class&, const Framework::TextMember<Data>& row, const QString& value)
+    void Scalar(const Class& object, const Framework::TextMember<Data>& row, const QString& value)
     {
+        // Refused rather than written without the characters XML cannot hold.
+        object.RequireXmlText(value, row.name);
         Put(Framework::MemberName<Class>(row.bit), row.xml, value);
     }
 

@@ -75,6 +75,8 @@ bool DataOperationMode::IsInitialized() const { return Framework::IsInitialized(
 bool DataOperationMode::HasData() const { return Framework::HasData(*this); }
 bool DataOperationMode::AnyData() const { return Framework::AnyData(*this); }
 void DataOperationMode::Reset() { Framework::Reset(*this); }
+std::unique_ptr<IRGObject> DataOperationMode::CreateEmpty() const { return Framework::CreateEmpty(*this); }
+void DataOperationMode::TakeContent(IRGObject& source) { Framework::TakeContent(*this, source); }
 void DataOperationMode::ResetToDefault() { Framework::ResetToDefault(*this); }
 void DataOperationMode::InitData() const { Framework::InitRecord(*this); }
 void DataOperationMode::ConstNoClearReset() const { Framework::ClearValues<DataOperationMode>(*d); }

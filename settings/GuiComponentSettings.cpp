@@ -88,6 +88,8 @@ bool GuiComponentSettings::IsInitialized() const { return Framework::IsInitializ
 bool GuiComponentSettings::HasData() const { return Framework::HasData(*this); }
 bool GuiComponentSettings::AnyData() const { return Framework::AnyData(*this); }
 void GuiComponentSettings::Reset() { Framework::Reset(*this); }
+std::unique_ptr<IRGObject> GuiComponentSettings::CreateEmpty() const { return Framework::CreateEmpty(*this); }
+void GuiComponentSettings::TakeContent(IRGObject& source) { Framework::TakeContent(*this, source); }
 void GuiComponentSettings::ResetToDefault() { Framework::ResetToDefault(*this); }
 void GuiComponentSettings::InitData() const { Framework::InitRecord(*this); }
 void GuiComponentSettings::ConstNoClearReset() const { Framework::ClearValues<GuiComponentSettings>(*d); }

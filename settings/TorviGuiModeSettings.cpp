@@ -83,6 +83,8 @@ bool TorviGuiModeSettings::IsInitialized() const { return Framework::IsInitializ
 bool TorviGuiModeSettings::HasData() const { return Framework::HasData(*this); }
 bool TorviGuiModeSettings::AnyData() const { return Framework::AnyData(*this); }
 void TorviGuiModeSettings::Reset() { Framework::Reset(*this); }
+std::unique_ptr<IRGObject> TorviGuiModeSettings::CreateEmpty() const { return Framework::CreateEmpty(*this); }
+void TorviGuiModeSettings::TakeContent(IRGObject& source) { Framework::TakeContent(*this, source); }
 void TorviGuiModeSettings::ResetToDefault() { Framework::ResetToDefault(*this); }
 void TorviGuiModeSettings::InitData() const { Framework::InitRecord(*this); }
 void TorviGuiModeSettings::ConstNoClearReset() const { Framework::ClearValues<TorviGuiModeSettings>(*d); }

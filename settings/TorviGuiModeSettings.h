@@ -105,6 +105,11 @@ public:
     void SetLogger(std::shared_ptr<REPORTGENERATOR::Logger> logger) const override;
     /// Does nothing: a settings object keeps the type it was constructed with.
     void SetObjectType(REPORTGENERATOR::ObjectTypes type) override;
+    /// A new, empty object of this class, and taking over what one holds
+    /// (as the assignment does): the base's whole-document reads read into
+    /// the first and hand the result over through the second.
+    std::unique_ptr<REPORTGENERATOR::IRGObject> CreateEmpty() const override;
+    void TakeContent(REPORTGENERATOR::IRGObject& source) override;
 
 protected:
     void ProcessXmlStartElement(QXmlStreamReader& reader) override;

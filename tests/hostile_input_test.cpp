@@ -14,6 +14,7 @@
 #include <QByteArray>
 #include <QDataStream>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QUrl>
@@ -137,20 +138,32 @@ TEST(HostileBinary, ElementCount7FFFFFFFEndsAtTheStreamsEndWithABoundedReservati
         SCOPED_TRACE(validate);
         const Outcome expected = Throws(validate ? refusedMode : LengthError("TorviGuiModeSettings"));
         for (const QByteArray& input : {plain, qCompress(plain)}) {
-            TorviGuiModeSettings root;
+            TorviGuiModeSettings root = Preloaded();
             root.SetValidate(validate);
+            const QByteArray before = Bytes(root);
             EXPECT_EQ(ReadArray(root, input), expected);
-            ASSERT_EQ(root.GetDataOperationMode().size(), 1);
-            EXPECT_EQ(root.GetDataOperationMode().at(0).GetName(), QStringLiteral("M"));
-            // Room was made for what the 17 bytes behind the count can
-            // carry at four bytes per element frame, not for 2^31 elements.
-            EXPECT_LE(root.GetDataOperationMode().capacity(), 4);
-            EXPECT_FALSE(root.IsOperationModeHandlerSet());
+            EXPECT_EQ(Bytes(root), before);
         }
-        TorviGuiModeSettings fromStream;
+        TorviGuiModeSettings fromStream = Preloaded();
         fromStream.SetValidate(validate);
+        const QByteArray before = Bytes(fromStream);
         EXPECT_EQ(ReadStream(fromStream, plain), expected);
-        EXPECT_EQ(fromStream.GetDataOperationMode().size(), 1);
+        EXPECT_EQ(Bytes(fromStream), before);
+    }
+    // Room is made for what the bytes behind the count can carry at four
+    // bytes per element frame, not for 2^31 elements: one mode, then the
+    // end, read by the object's own reader.
+    {
+        TorviGuiModeSettings root;
+        QBuffer buffer;
+        buffer.setData(records);
+        ASSERT_TRUE(buffer.open(QIODevice::ReadOnly));
+        QDataStream stream(&buffer);
+        EXPECT_EQ(MessageOf<ReportException>([&] { root.SetBinary(stream, records.size()); }),
+                  LengthError("TorviGuiModeSettings"));
+        ASSERT_EQ(root.GetDataOperationMode().size(), 1);
+        EXPECT_EQ(root.GetDataOperationMode().at(0).GetName(), QStringLiteral("M"));
+        EXPECT_LE(root.GetDataOperationMode().capacity(), 4);
     }
 
     // The same count one level down: the mode's failure leaves the mode
@@ -166,7 +179,7 @@ TEST(HostileBinary, ElementCount7FFFFFFFEndsAtTheStreamsEndWithABoundedReservati
                   Throws(validate ? QStringLiteral("DataOperationMode: Tried to append not completely defined or "
                                                    "invalid item GuiComponentSettings.")
                                   : LengthError("DataOperationMode")));
-        EXPECT_TRUE(root.GetDataOperationMode().isEmpty());
+        EXPECT_FALSE(root.AnyData());
     }
 }
 
@@ -174,33 +187,27 @@ TEST(HostileBinary, ByteCountsNear4GiBCostOnlyWhatArrives)
 {
     // A mode name announcing 0xFFFFFFFE bytes of which three arrive; the
     // lengths of record, frame and list agree, so only the stream's short
-    // read tells: the name becomes empty and the document is refused.
+    // read tells: the document is refused and the object stays as it was.
+    // An enumeration name cut short the same way is no name: refused by
+    // the setter in validation mode.
     const QByteArray nameRecord = Int(kNameId) + Int(4 + 3) + Int(qint32(0xFFFFFFFE)) + "abc";
     const QByteArray shortName = Document(Record(kModeListId, Int(1) + Frame(nameRecord)));
-    for (const bool validate : {false, true}) {
-        SCOPED_TRACE(validate);
-        TorviGuiModeSettings root;
-        root.SetValidate(validate);
-        EXPECT_EQ(ReadArray(root, shortName), kFalse);
-        ASSERT_EQ(root.GetDataOperationMode().size(), 1);
-        const DataOperationMode& mode = root.GetDataOperationMode().at(0);
-        EXPECT_TRUE(mode.IsNameSet());
-        EXPECT_EQ(mode.GetName(), QStringLiteral(""));
-        EXPECT_FALSE(mode.GetName().isNull());
-    }
-
-    // The same for an enumeration name: outside validation mode the
-    // handler holds its invalid value, in validation mode it is refused.
     const QByteArray shortHandler =
         Document(Int(kHandlerId) + Int(4 + 5) + Int(qint32(0xFFFFFFFE)) + QByteArray("TX470"));
-    TorviGuiModeSettings lax;
-    EXPECT_EQ(ReadArray(lax, shortHandler), kFalse);
-    EXPECT_TRUE(lax.IsOperationModeHandlerSet());
-    EXPECT_EQ(int(lax.GetOperationModeHandler()), -1);
-    TorviGuiModeSettings strict;
-    strict.SetValidate(true);
-    EXPECT_EQ(ReadArray(strict, shortHandler), Throws(kHandlerInvalid));
-    EXPECT_FALSE(strict.IsOperationModeHandlerSet());
+    for (const bool validate : {false, true}) {
+        SCOPED_TRACE(validate);
+        for (const QByteArray& input : {shortName, shortHandler}) {
+            TorviGuiModeSettings root = Preloaded();
+            root.SetValidate(validate);
+            const QByteArray before = Bytes(root);
+            const bool refusedName = validate && input == shortHandler;
+            EXPECT_EQ(ReadArray(root, input), refusedName ? Throws(kHandlerInvalid) : kFalse);
+            EXPECT_EQ(root.GetErrorString(), refusedName
+                          ? kHandlerInvalid
+                          : QStringLiteral("the document ends inside a text or list its records announce"));
+            EXPECT_EQ(Bytes(root), before);
+        }
+    }
 
     // Counts beyond what any byte array can hold, as the last bytes of the
     // document: the stream ends inside the payload, so the document is
@@ -213,13 +220,12 @@ TEST(HostileBinary, ByteCountsNear4GiBCostOnlyWhatArrives)
         const QByteArray nameLast =
             Document(Record(kModeListId, Int(1) + Frame(Int(kNameId) + Int(4) + Int(qint32(count)))));
         for (const QByteArray& input : {handlerLast, nameLast}) {
-            TorviGuiModeSettings fromArray;
-            EXPECT_EQ(ReadArray(fromArray, input), kFalse);
-            TorviGuiModeSettings fromBuffer;
+            TorviGuiModeSettings root = Preloaded();
+            const QByteArray before = Bytes(root);
+            EXPECT_EQ(ReadArray(root, input), kFalse);
             QDataStream::Status status = QDataStream::Ok;
-            EXPECT_EQ(ReadStream(fromBuffer, input, &status), kFalse);
+            EXPECT_EQ(ReadStream(root, input, &status), kFalse);
             EXPECT_EQ(status, QDataStream::ReadPastEnd);
-            EXPECT_EQ(Bytes(fromBuffer), Bytes(fromArray));
 
             QFile file(dir.filePath(QStringLiteral("document.bin")));
             ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
@@ -227,100 +233,146 @@ TEST(HostileBinary, ByteCountsNear4GiBCostOnlyWhatArrives)
             file.close();
             ASSERT_TRUE(file.open(QIODevice::ReadOnly));
             QDataStream fileStream(&file);
-            TorviGuiModeSettings fromFile;
-            EXPECT_FALSE(fromFile.SetBinaryRepresentation(fileStream));
+            EXPECT_FALSE(root.SetBinaryRepresentation(fileStream));
             EXPECT_EQ(fileStream.status(), QDataStream::ReadPastEnd);
-            EXPECT_EQ(Bytes(fromFile), Bytes(fromArray));
             file.close();
-            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-            TorviGuiModeSettings loaded = Preloaded();
-            EXPECT_FALSE(loaded.LoadBinary(&file));
-            EXPECT_EQ(Bytes(loaded), Bytes(fromArray));
+            EXPECT_FALSE(root.LoadBinary(&file));
+            EXPECT_EQ(Bytes(root), before);
         }
     }
 
     // A compressed document that announces an uncompressed size near 4 GiB
     // or 2 GiB, or a stream that announces a compressed document of nearly
-    // 2 GiB: refused, the object as it was.
+    // 2 GiB: refused before anything is read or inflated.
     const QByteArray plain = Document(kHandlerQls);
     QByteArray huge = qCompress(plain);
     huge.replace(0, 4, Int(qint32(0xFFFFFFFE)));
     QByteArray big = qCompress(plain);
     big.replace(0, 4, Int(0x7FFFFFF0));
-    for (const QByteArray& input : {huge, big}) {
-        TorviGuiModeSettings root = Preloaded();
-        const QByteArray before = Bytes(root);
-        EXPECT_EQ(ReadArray(root, input), kFalse);
-        EXPECT_EQ(Bytes(root), before);
-    }
+    const QString neither = QStringLiteral(
+        "neither a plain TorviGuiModeSettings document (class id 232099450) nor a compressed one: ");
     TorviGuiModeSettings root = Preloaded();
     const QByteArray before = Bytes(root);
+    EXPECT_EQ(ReadArray(root, huge), kFalse);
+    EXPECT_EQ(root.GetErrorString(), neither + QStringLiteral("the announced size 4294967294 is more than a byte "
+                                                              "array holds"));
+    EXPECT_EQ(ReadArray(root, big), kFalse);
+    EXPECT_EQ(root.GetErrorString(), neither + QStringLiteral("it announces 2147483632 bytes, more than the maximum "
+                                                              "document size of 268435456 bytes"));
     QDataStream::Status status = QDataStream::Ok;
     EXPECT_EQ(ReadStream(root, Int(0x7FFFFFF0) + qCompress(plain), &status), kFalse);
-    EXPECT_EQ(status, QDataStream::ReadPastEnd);
+    EXPECT_EQ(root.GetErrorString(), QStringLiteral("the compressed document holds 2147483632 bytes, more than the "
+                                                    "maximum document size of 268435456 bytes"));
+    EXPECT_EQ(status, QDataStream::Ok);
     EXPECT_EQ(Bytes(root), before);
+}
+
+TEST(HostileBinary, CompressedBombsAreRefusedBeforeTheyInflate)
+{
+    // What a compressed document announces is held to the maximum document
+    // size and to 16 times its own size plus 32 MiB before anything is
+    // inflated; and inflating stops once the first 8 bytes show no document
+    // of the object's class.
+    const QByteArray header = Int(kRootId) + Int((40 << 20) - 8);
+    QByteArray gigabyte = qCompress(QByteArray(4096, '\0'));
+    gigabyte.replace(0, 4, Int(1 << 30));
+    const QByteArray zeros = qCompress(QByteArray(40 << 20, '\0'), 9);
+    const QByteArray records = qCompress(header + QByteArray((40 << 20) - 8, '\0'), 9);
+    QByteArray foreign = header + QByteArray(4096, 'x');
+    foreign.replace(0, 4, Int(kModeId));
+    foreign.replace(4, 4, Int(4096));
+    const QString neither = QStringLiteral(
+        "neither a plain TorviGuiModeSettings document (class id 232099450) nor a compressed one: ");
+    const auto budget = [](const QByteArray& compressed) {
+        return QStringLiteral("it announces 41943040 bytes, more than the %1 that %2 bytes may inflate to (16 times "
+                              "as many plus 33554432)")
+            .arg(16 * qint64(compressed.size()) + (32 << 20))
+            .arg(compressed.size());
+    };
+    const struct {
+        const char* what;
+        QByteArray input;
+        QString error;
+    } cases[] = {
+        {"1 GiB announced", gigabyte,
+         neither + QStringLiteral("it announces 1073741824 bytes, more than the maximum document size of 268435456 bytes")},
+        {"40 MiB of zeros", zeros, neither + budget(zeros)},
+        {"a header, then 40 MiB of empty records", records, neither + budget(records)},
+        {"a mode where the root belongs", qCompress(foreign),
+         neither + QStringLiteral("its inflated bytes begin with -447125075, not with the class id 232099450")},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        TorviGuiModeSettings root = Preloaded();
+        const QByteArray before = Bytes(root);
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_EQ(ReadArray(root, c.input), kFalse);
+        EXPECT_EQ(root.GetErrorString(), c.error);
+        EXPECT_EQ(ReadStream(root, Int(c.input.size()) + c.input), kFalse);
+        EXPECT_EQ(root.GetErrorString(), c.error);
+        EXPECT_EQ(Bytes(root), before);
+        EXPECT_LT(timer.elapsed(), 1000);
+    }
+
+    // Within the budget a document of unknown, empty records is a document:
+    // they are skipped, quickly, and the tree read is empty.
+    QByteArray empty = qCompress(Int(kRootId) + Int(8 << 20) + QByteArray(8 << 20, '\0'), 9);
+    TorviGuiModeSettings root = Preloaded();
+    EXPECT_EQ(ReadArray(root, empty), kTrue);
+    EXPECT_FALSE(root.AnyData());
 }
 
 TEST(HostileBinary, NegativeAndLyingLengths)
 {
-    // A negative object length: in an array it does not match the array's
-    // size, so the bytes are no plain document, and they do not inflate;
-    // on a stream and inside a compressed document it is the length error.
-    // Nothing is read either way.
+    // Each ends in a refusal that leaves the object as it was. A negative
+    // object length: in an array it does not match the array's size, so the
+    // bytes are no plain document, and they do not inflate; on a stream it
+    // is the length error; inside a compressed document the inflated header
+    // does not fit the announced size. Negative record lengths of unknown
+    // members skip nothing and give their length back: the records no
+    // longer add up. An unknown record claiming 0x7FFFFFFF bytes runs into
+    // the end; an object length of 0x7FFFFFFF exceeds the document size. A
+    // negative element length is the element's length error; an element
+    // whose length overstates its records swallows the records behind it.
     const QByteArray negative = Int(kRootId) + Int(-1) + kHandlerQls;
-    {
+    const QByteArray mode = ModeFrame("M");
+    const QString rootLength = LengthError("TorviGuiModeSettings");
+    const struct {
+        const char* what;
+        QByteArray input;
+        bool stream;
+        Outcome outcome;
+        QString error;
+    } cases[] = {
+        {"negative object length", negative, false, kFalse,
+         QStringLiteral("the object length -1 does not match the 34 bytes behind it")},
+        {"negative object length on a stream", negative, true, Throws(rootLength), rootLength},
+        {"negative object length, compressed", qCompress(negative), false, kFalse,
+         QStringLiteral("neither a plain TorviGuiModeSettings document (class id 232099450) nor a compressed one: "
+                        "its inflated object length -1 is not the announced size minus 8 (34)")},
+        {"negative record lengths", Document(Int(0x1234) + Int(-8) + Int(0x1234) + Int(-100) + kHandlerQls), false,
+         Throws(rootLength), rootLength},
+        {"record of 0x7FFFFFFF bytes", Document(Int(0x1234) + Int(0x7FFFFFFF) + kHandlerQls), false,
+         Throws(rootLength), rootLength},
+        {"object of 0x7FFFFFFF bytes", Int(kRootId) + Int(0x7FFFFFFF) + kHandlerQls, true, kFalse,
+         QStringLiteral("the document holds 2147483655 bytes, more than the maximum document size of 268435456 "
+                        "bytes")},
+        {"negative element length",
+         Document(Record(kModeListId, Int(1) + Int(-5) + mode.mid(4)) + kHandlerQls), false,
+         Throws(LengthError("DataOperationMode")), LengthError("DataOperationMode")},
+        {"element swallowing the handler",
+         Document(Record(kModeListId, Int(1) + Int(mode.size() - 4 + kHandlerQls.size()) + mode.mid(4))
+                  + kHandlerQls),
+         false, Throws(rootLength), rootLength},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
         TorviGuiModeSettings root = Preloaded();
         const QByteArray before = Bytes(root);
-        EXPECT_EQ(ReadArray(root, negative), kFalse);
+        EXPECT_EQ(c.stream ? ReadStream(root, c.input) : ReadArray(root, c.input), c.outcome);
+        EXPECT_EQ(root.GetErrorString(), c.error);
         EXPECT_EQ(Bytes(root), before);
-        EXPECT_EQ(ReadStream(root, negative), Throws(LengthError("TorviGuiModeSettings")));
-        EXPECT_EQ(Bytes(root), before);
-        EXPECT_EQ(ReadArray(root, qCompress(negative)), Throws(LengthError("TorviGuiModeSettings")));
-        EXPECT_EQ(Bytes(root), before);
-    }
-
-    // Negative record lengths of unknown members skip nothing and give
-    // their length back to the object: the records no longer add up.
-    {
-        const QByteArray records = Int(0x1234) + Int(-8) + Int(0x1234) + Int(-100) + kHandlerQls;
-        TorviGuiModeSettings root;
-        EXPECT_EQ(ReadArray(root, Document(records)), Throws(LengthError("TorviGuiModeSettings")));
-        EXPECT_TRUE(root.IsOperationModeHandlerSet());
-        EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
-    }
-
-    // An unknown record claiming 0x7FFFFFFF bytes, and an object length of
-    // 0x7FFFFFFF on a stream: both run into the end of the input.
-    {
-        TorviGuiModeSettings root;
-        EXPECT_EQ(ReadArray(root, Document(Int(0x1234) + Int(0x7FFFFFFF) + kHandlerQls)),
-                  Throws(LengthError("TorviGuiModeSettings")));
-        EXPECT_FALSE(root.IsOperationModeHandlerSet());
-        TorviGuiModeSettings fromStream;
-        EXPECT_EQ(ReadStream(fromStream, Int(kRootId) + Int(0x7FFFFFFF) + kHandlerQls),
-                  Throws(LengthError("TorviGuiModeSettings")));
-        EXPECT_EQ(fromStream.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
-    }
-
-    // An element frame with a negative length is the element's length error
-    // and is not appended; one whose length overstates its records swallows
-    // the records behind it.
-    {
-        TorviGuiModeSettings root;
-        EXPECT_EQ(ReadArray(root, Document(Record(kModeListId, Int(1) + Int(-5) + ModeFrame("M").mid(4))
-                                           + kHandlerQls)),
-                  Throws(LengthError("DataOperationMode")));
-        EXPECT_TRUE(root.GetDataOperationMode().isEmpty());
-        EXPECT_FALSE(root.IsOperationModeHandlerSet());
-
-        TorviGuiModeSettings swallowed;
-        const QByteArray mode = ModeFrame("M");
-        const QByteArray lying = Int(mode.size() - 4 + kHandlerQls.size()) + mode.mid(4);
-        EXPECT_EQ(ReadArray(swallowed, Document(Record(kModeListId, Int(1) + lying) + kHandlerQls)),
-                  Throws(LengthError("TorviGuiModeSettings")));
-        ASSERT_EQ(swallowed.GetDataOperationMode().size(), 1);
-        // The handler record was read by the mode, which does not know it.
-        EXPECT_FALSE(swallowed.IsOperationModeHandlerSet());
     }
 }
 
@@ -417,40 +469,132 @@ TEST(HostileXml, EntityBombStopsAtTheReadersExpansionLimit)
 {
     // 10^9 copies of "QLS" if it were expanded. The stream reader refuses
     // an entity that expands to more than 4096 characters, which ends the
-    // document as malformed. The element's text read up to there is no name
-    // of the table: stored as the invalid value without validation, refused
-    // with it.
-    const QString bomb = Bomb(9);
-    TorviGuiModeSettings lax;
-    EXPECT_EQ(ReadXml(lax, bomb), kFalse);
-    ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
-    EXPECT_EQ(lax.GetDataOperationMode().at(0).GetName(), QStringLiteral("vor"));
-    EXPECT_TRUE(lax.IsOperationModeHandlerSet());
-    EXPECT_EQ(int(lax.GetOperationModeHandler()), -1);
+    // document as malformed; the text it leaves the handler is no name, and
+    // in validation mode the setter refuses it, but the broken document is
+    // what is reported. Below the limit (1000 x "QLS" = 3000 characters)
+    // entities expand as XML says, which is no name either.
+    const QString broken = QStringLiteral(
+        "XML error at line 1, column 647: Entity expands to more characters than the entity expansion limit.");
+    for (const bool validate : {false, true}) {
+        SCOPED_TRACE(validate);
+        TorviGuiModeSettings root = Preloaded();
+        root.SetValidate(validate);
+        const QByteArray before = Bytes(root);
+        EXPECT_EQ(ReadXml(root, Bomb(9)), kFalse);
+        EXPECT_EQ(root.GetErrorString(), broken);
+        EXPECT_EQ(Bytes(root), before);
+        EXPECT_EQ(ReadXml(root, Bomb(3)), validate ? Throws(kHandlerInvalid) : kTrue);
+    }
+}
 
-    TorviGuiModeSettings strict;
-    strict.SetValidate(true);
-    EXPECT_EQ(ReadXml(strict, bomb), Throws(kHandlerInvalid));
-    EXPECT_EQ(strict.GetDataOperationMode().size(), 1);
-    EXPECT_FALSE(strict.IsOperationModeHandlerSet());
-
-    // Below the limit (1000 x "QLS" = 3000 characters) entities expand as
-    // XML says, which is no name either.
-    TorviGuiModeSettings small;
-    EXPECT_EQ(ReadXml(small, Bomb(3)), kTrue);
-    EXPECT_EQ(int(small.GetOperationModeHandler()), -1);
-
-    // In a file, through LoadXml, the same.
+TEST(HostileXml, EntityExpansionHasABudgetInProportionToTheInput)
+{
+    // References may add as many characters as the document has (bytes in
+    // a file, characters in a string) plus 1 MiB, wherever they stand:
+    // attribute values, texts, skipped elements, and the default values a
+    // DTD gives attributes. A document that would spend more is refused
+    // where the budget runs out, before the reader builds any of it.
+    const QString entity = QStringLiteral("<!DOCTYPE TorviGuiModeSettings [<!ENTITY e \"%1\">%2]>")
+                               .arg(QString(4000, QLatin1Char('x')));
+    const QString refs = QStringLiteral("&e;").repeated(250000);
+    const QString root = QStringLiteral("<TorviGuiModeSettings>%1<OperationModeHandler>QLSManagementComponent"
+                                        "</OperationModeHandler></TorviGuiModeSettings>");
+    // The message for a document of size characters (bytes for the file,
+    // all ASCII) whose budget runs out at the column.
+    const auto spent = [](int column, int size, const char* unit) {
+        return QStringLiteral("at line 1, column %1: the entity references and default attributes expand to more "
+                              "than %2 characters, the most allowed for a document of %3 %4")
+            .arg(column)
+            .arg(size + (1 << 20))
+            .arg(size)
+            .arg(QLatin1String(unit));
+    };
+    const struct {
+        const char* what;
+        QString document;
+        int column; // where the reference or element stands that overspends
+    } cases[] = {
+        // The 451st reference: 450 x 4000 fit into 754188 + 1048576.
+        {"in a name", entity.arg(QString()) + root.arg(QStringLiteral("<DataOperationMode Name=\"%1\"/>").arg(refs)),
+         5446},
+        {"in a skipped element's text",
+         entity.arg(QString()) + root.arg(QStringLiteral("<Unknown>%1</Unknown>").arg(refs)), 5430},
+        {"in a skipped element's attribute",
+         entity.arg(QString()) + root.arg(QStringLiteral("<Unknown a=\"%1\"/>").arg(refs)), 5433},
+        // 2 MB of empty elements, each given a name of 4000 characters.
+        {"in default attributes",
+         entity.arg(QStringLiteral("<!ATTLIST DataOperationMode Name CDATA \"&e;\">"))
+             + root.arg(QStringLiteral("<DataOperationMode/>").repeated(100000)),
+         19376},
+    };
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
-    QFile file(dir.filePath(QStringLiteral("bomb.xml")));
+    QFile file(dir.filePath(QStringLiteral("expanding.xml")));
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(c.document.toUtf8());
+        file.close();
+        QElapsedTimer timer;
+        timer.start();
+        TorviGuiModeSettings root = Preloaded();
+        const QByteArray before = Bytes(root);
+        EXPECT_EQ(ReadXml(root, c.document), kFalse);
+        EXPECT_EQ(root.GetErrorString(), spent(c.column, c.document.size(), "characters"));
+        EXPECT_FALSE(root.LoadXml(file.fileName()));
+        EXPECT_EQ(root.GetErrorString(), spent(c.column, c.document.size(), "bytes"));
+        EXPECT_EQ(Bytes(root), before);
+        // Before the budget, each took 8 to 20 s and 2 to 4 GB.
+        EXPECT_LT(timer.elapsed(), 2000);
+    }
+
+    // Within the budget references expand as XML says: 200 references to
+    // 4000 characters in a name.
+    TorviGuiModeSettings within;
+    within.SetValidate(true);
+    ASSERT_EQ(ReadXml(within, entity.arg(QString())
+                                  + root.arg(QStringLiteral("<DataOperationMode Name=\"%1\"/>")
+                                                 .arg(QStringLiteral("&e;").repeated(200)))),
+              kTrue);
+    EXPECT_EQ(within.GetDataOperationMode().at(0).GetName(), QString(800000, QLatin1Char('x')));
+}
+
+TEST(HostileXml, ElementsCarryAtMost1024Attributes)
+{
+    // Qt's reader compares an element's attributes pairwise: 100 000 of them
+    // on one unknown element (1.3 MB) took 21 to 39 s. More than 1024 are
+    // refused before the reader sees them; 1024 read as usual.
+    const auto document = [](int attributes) -> QString {
+        QString unknown = QStringLiteral("<Unknown");
+        for (int i = 0; i < attributes; ++i)
+            unknown += QStringLiteral(" a%1=\"\"").arg(i);
+        return QStringLiteral("<TorviGuiModeSettings>") + unknown
+            + QStringLiteral("/><OperationModeHandler>QLSManagementComponent</OperationModeHandler>"
+                             "</TorviGuiModeSettings>");
+    };
+    QElapsedTimer timer;
+    timer.start();
+    TorviGuiModeSettings root = Preloaded();
+    EXPECT_EQ(ReadXml(root, document(100000)), kFalse);
+    EXPECT_EQ(root.GetErrorString(), QStringLiteral("at line 1, column 23: the element has more than 1024 attributes"));
+    EXPECT_EQ(Bytes(root), Bytes(Preloaded()));
+    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_EQ(ReadXml(root, document(1024)), kTrue);
+    EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
+
+    // In a UTF-8 file the place is counted in characters as the reader
+    // counts them (UTF-16 units): "\u00E4" is one, "\U0001F600" two.
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QFile file(dir.filePath(QStringLiteral("attributes.xml")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bomb.toUtf8());
+    file.write(document(1025).replace(QStringLiteral("<Unknown"),
+                                      QStringLiteral("<DataOperationMode Name=\"\u00E4\U0001F600\"/><Unknown"))
+                   .toUtf8());
     file.close();
-    TorviGuiModeSettings loaded;
-    EXPECT_FALSE(loaded.LoadXml(file.fileName()));
-    EXPECT_EQ(loaded.GetDataOperationMode().size(), 1);
-    EXPECT_EQ(int(loaded.GetOperationModeHandler()), -1);
+    EXPECT_FALSE(root.LoadXml(file.fileName()));
+    EXPECT_EQ(root.GetErrorString(), QStringLiteral("at line 1, column 54: the element has more than 1024 attributes"));
+    EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::QLSManagementComponent);
 }
 
 TEST(HostileXml, ExternalEntitiesAreNeverFetched)
@@ -613,17 +757,39 @@ TEST(HostileXml, InvalidUtf8InAFileIsRefused)
     EXPECT_EQ(root.GetDataOperationMode().at(0).GetName(), QStringLiteral("M\u00E4rz"));
 
     // Bytes that are no UTF-8 (a lone continuation byte, 0xFF, a truncated
-    // sequence, an overlong form of '/'), each in place of the umlaut.
+    // sequence, an overlong form of '/'), each in place of the umlaut: the
+    // file is refused at the place of the first such byte, the object stays
+    // as it was.
+    const QString encoding = QStringLiteral("XML error at line %1, column %2: Encountered incorrectly encoded content.");
     const QList<QByteArray> broken = {"\xA4", "\xFF", "\xC3", "\xC0\xAF"};
     for (const QByteArray& bad : broken) {
         SCOPED_TRACE(bad.toHex().toStdString());
         QByteArray bytes = good;
         bytes.replace("\xC3\xA4", bad);
-        // LoadXml starts with Reset(): a refused file leaves an empty object.
         TorviGuiModeSettings loaded = Preloaded();
         EXPECT_FALSE(loaded.LoadXml(write(QStringLiteral("bad.xml"), bytes)));
-        EXPECT_FALSE(loaded.AnyData());
-        EXPECT_TRUE(loaded.GetDataOperationMode().isEmpty());
+        EXPECT_EQ(loaded.GetErrorString(), encoding.arg(1).arg(49));
+        EXPECT_EQ(Bytes(loaded), Bytes(Preloaded()));
+    }
+
+    // Behind an XML declaration the reader itself names the place where it
+    // began decoding (line 1, column 38) for every such byte.
+    const QByteArray declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+    const QByteArray start = "<TorviGuiModeSettings><DataOperationMode Name=\"";
+    const QByteArray end = "\"/></TorviGuiModeSettings>";
+    const struct {
+        QByteArray bytes;
+        int line;
+        int column;
+    } places[] = {
+        {declaration + start + "\xFF" + end, 1, 86},
+        {declaration + "\n" + start + QByteArray(270, 'x') + "\xFE" + end, 2, 318},
+        {declaration + start + "\xE2\x82\xAC\xF0\x9F\x98\x80" + "\xC3" + end, 1, 89},
+    };
+    for (const auto& place : places) {
+        TorviGuiModeSettings loaded;
+        EXPECT_FALSE(loaded.LoadXml(write(QStringLiteral("placed.xml"), place.bytes)));
+        EXPECT_EQ(loaded.GetErrorString(), encoding.arg(place.line).arg(place.column));
     }
 }
 
@@ -710,6 +876,8 @@ TEST(AtomicSave, WriteThatFailsHalfwayLeavesThePreviousFile)
         result = big.SaveXml(path);
     }
     EXPECT_FALSE(result);
+    // The reason reaches the caller, as the system gave it.
+    EXPECT_EQ(big.GetErrorString(), QStringLiteral("cannot write: File too large"));
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(saved.readAll(), before);
     saved.close();
@@ -719,6 +887,7 @@ TEST(AtomicSave, WriteThatFailsHalfwayLeavesThePreviousFile)
 
     // Without the limit the same save replaces the file.
     EXPECT_TRUE(big.SaveXml(path));
+    EXPECT_EQ(big.GetErrorString(), QString());
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(saved.readAll(), big.GetXmlString().toUtf8());
 }

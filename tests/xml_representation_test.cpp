@@ -134,7 +134,12 @@ QStringList NotedRead(Noting<T>& object, const QString& xml)
     object.SetValidate(true);
     object.SetLogger(object.own);
     object.calls.clear();
-    EXPECT_TRUE(object.SetXmlString(xml, false));
+    // The object's own reader: a whole-document read would read into a
+    // fresh object of the base class instead.
+    QXmlStreamReader reader(xml);
+    reader.readNextStartElement();
+    object.ProcessXml(reader);
+    EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
     return object.calls;
 }
 
@@ -354,9 +359,8 @@ TEST(XmlRepresentation, ChildWithoutDataIsRefusedOrAppended)
         EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { strict.SetXmlString(namelessMode, false); }),
                   QStringLiteral("TorviGuiModeSettings: Tried to append not completely defined or invalid item "
                                  "DataOperationMode."));
-        ASSERT_EQ(strict.GetDataOperationMode().size(), 1);
-        EXPECT_EQ(ModeAt(strict, 0).GetName(), QStringLiteral("A"));
-        EXPECT_FALSE(strict.IsOperationModeHandlerSet());
+        // The refused read changes nothing, not even the mode read before.
+        EXPECT_FALSE(strict.AnyData());
 
         TorviGuiModeSettings lax;
         ASSERT_TRUE(lax.SetXmlString(namelessMode, false));
@@ -390,21 +394,16 @@ TEST(XmlRepresentation, ChildWithoutDataIsRefusedOrAppended)
     EXPECT_FALSE(lax.IsOperationModeHandlerSet());
 }
 
-TEST(XmlRepresentation, ReadingAppendsInAnyOrderAndNameElementsWin)
+TEST(XmlRepresentation, ReadingReplacesInAnyOrderAndNameElementsWin)
 {
-    // Behind existing elements, without reset; with reset, only the document.
-    TorviGuiModeSettings root;
-    root.AppendDataOperationMode(Mode(QStringLiteral("First")));
-    root.AppendDataOperationMode(Mode(QStringLiteral("Second")));
-    root.SetOperationModeHandler(TorviGuiModeSettings::QLSManagementComponent);
-    ASSERT_TRUE(root.SetXmlString(kExample, false));
-    ASSERT_EQ(root.GetDataOperationMode().size(), 3);
-    EXPECT_EQ(ModeAt(root, 0).GetName(), QStringLiteral("First"));
-    EXPECT_EQ(ModeAt(root, 1).GetName(), QStringLiteral("Second"));
-    EXPECT_TRUE(ModeAt(root, 2) == StandardMode());
-    EXPECT_EQ(root.GetOperationModeHandler(), TorviGuiModeSettings::PMR830ManagementComponent);
-    ASSERT_TRUE(root.SetXmlString(kExample, true));
-    EXPECT_TRUE(root == Example());
+    // What the object held is replaced, with or without resetFirst.
+    for (const bool resetFirst : {false, true}) {
+        TorviGuiModeSettings root;
+        root.AppendDataOperationMode(Mode(QStringLiteral("First")));
+        root.SetOperationModeHandler(TorviGuiModeSettings::QLSManagementComponent);
+        ASSERT_TRUE(root.SetXmlString(kExample, resetFirst));
+        EXPECT_TRUE(root == Example());
+    }
 
     // Elements in another order, names as child elements (written later than
     // the attribute, so they win), a repeated text element.
@@ -422,8 +421,9 @@ TEST(XmlRepresentation, ReadingAppendsInAnyOrderAndNameElementsWin)
     EXPECT_TRUE(read == Example());
     EXPECT_EQ(WriteXml(read), kExample);
 
-    // A member the document leaves out keeps its value; reading does not
-    // check, the next write in validation mode does.
+    // A member the document leaves out is unset afterwards, whatever the
+    // object held: the document replaces it all. Reading does not check,
+    // the next write in validation mode does.
     const QString withoutHandler =
         QStringLiteral("<TorviGuiModeSettings><DataOperationMode Name=\"A\"/></TorviGuiModeSettings>");
     TorviGuiModeSettings partial;
@@ -434,8 +434,9 @@ TEST(XmlRepresentation, ReadingAppendsInAnyOrderAndNameElementsWin)
               QStringLiteral("TorviGuiModeSettings: Please set OperationModeHandler properly."));
     partial.SetOperationModeHandler(TorviGuiModeSettings::VbkManagementComponent);
     ASSERT_TRUE(partial.SetXmlString(withoutHandler, false));
-    EXPECT_EQ(partial.GetOperationModeHandler(), TorviGuiModeSettings::VbkManagementComponent);
-    EXPECT_EQ(partial.GetDataOperationMode().size(), 2);
+    EXPECT_FALSE(partial.IsOperationModeHandlerSet());
+    EXPECT_EQ(partial.GetOperationModeHandler(), TorviGuiModeSettings::TX470ManagementComponent);
+    EXPECT_EQ(partial.GetDataOperationMode().size(), 1);
 
     // An empty Name element gives an empty, non-null name, even with the
     // attribute present.
@@ -593,32 +594,20 @@ TEST(XmlRepresentation, SetXmlStringRefusesBrokenDocuments)
     EXPECT_FALSE(untouched.SetXmlString(QStringLiteral("<DataOperationMode Name=\"Standard\"/>"), false));
     EXPECT_FALSE(untouched.AnyData());
 
-    // Every prefix of the document: never true, never a hang or a crash.
-    // Outside validation mode nothing is refused by an exception. In
-    // validation mode the text or child that the document breaks off in may
-    // be refused by OutOfRangeException or IncompleteDefinitionException;
-    // a read that ends without one has read exactly what the lax read did.
+    // Every prefix of the document: false in either mode, never an
+    // exception, the object as it was.
     const QString declared = Example().GetXmlString();
     for (const QString& document : {kExample, declared}) {
         const int complete = document.trimmed().size();
         for (int length = 0; length < complete; ++length) {
             SCOPED_TRACE(length);
             const QString prefix = document.left(length);
-            TorviGuiModeSettings lax;
-            EXPECT_FALSE(lax.SetXmlString(prefix, false));
-            TorviGuiModeSettings strict;
-            strict.SetValidate(true);
-            bool thrown = false;
-            try {
-                EXPECT_FALSE(strict.SetXmlString(prefix, false));
-            } catch (const OutOfRangeException&) {
-                thrown = true;
-            } catch (const IncompleteDefinitionException&) {
-                thrown = true;
-            }
-            if (!thrown) {
-                EXPECT_TRUE(strict == lax);
-                EXPECT_EQ(strict.GetDataOperationMode().size(), lax.GetDataOperationMode().size());
+            for (const bool validate : {false, true}) {
+                TorviGuiModeSettings root = Example();
+                root.SetValidate(validate);
+                EXPECT_EQ(MessageOf<ReportException>([&] { EXPECT_FALSE(root.SetXmlString(prefix, false)); }),
+                          kNothingThrown);
+                EXPECT_TRUE(root == Example());
             }
         }
         TorviGuiModeSettings full;
@@ -626,168 +615,61 @@ TEST(XmlRepresentation, SetXmlStringRefusesBrokenDocuments)
     }
 }
 
-TEST(XmlRepresentation, DocumentBrokenOffKeepsWhatWasReadUpToTheBreak)
+TEST(XmlRepresentation, DocumentBrokenOffChangesNothingAndSaysWhere)
 {
-    // The reader hands out the characters before a break only once it has
-    // seen the next markup: a text cut at the end of the input reads as
-    // empty, one followed by a lone "<" as the characters read.
+    // Wherever a document breaks off, in either mode: false, the object as
+    // it was, and the reader's error with its place. In validation mode the
+    // text or child the document breaks off in may be no value a setter or
+    // an append accepts; the broken document is still what is reported.
     const auto at = [](const QString& marker, int extra = 0) {
         const int index = kExample.indexOf(marker);
         EXPECT_GE(index, 0) << marker.toStdString();
         return kExample.left(index + marker.size() + extra);
     };
-
-    // Inside the first component's usage text: the text is unknown. Lax:
-    // invalid value, set; the cut-off component and mode are appended all
-    // the same. Strict: the setter refuses the text.
-    for (const QString& prefix : {at(QStringLiteral(">DEFAULT_DIS")), at(QStringLiteral(">DEFAULT_DISPLAY"))}) {
-        SCOPED_TRACE(prefix.toStdString());
-        TorviGuiModeSettings lax;
-        EXPECT_FALSE(lax.SetXmlString(prefix, false));
-        ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
-        EXPECT_EQ(ModeAt(lax, 0).GetName(), QStringLiteral("Standard"));
-        ASSERT_EQ(ModeAt(lax, 0).GetGuiComponentSettings().size(), 1);
-        const GuiComponentSettings& cut = ComponentAt(ModeAt(lax, 0), 0);
-        EXPECT_EQ(cut.GetName(), QStringLiteral("Overview"));
-        EXPECT_TRUE(cut.IsGuiComponentUsageSet());
-        EXPECT_EQ(cut.GetGuiComponentUsage(), Usage(-1));
-        EXPECT_FALSE(cut.IsDockWidgetLocationSet());
-        EXPECT_FALSE(lax.IsOperationModeHandlerSet());
-
-        TorviGuiModeSettings strict;
-        strict.SetValidate(true);
-        EXPECT_EQ(MessageOf<OutOfRangeException>([&] { strict.SetXmlString(prefix, false); }), kUsageInvalid);
-        EXPECT_TRUE(strict.GetDataOperationMode().isEmpty());
-    }
-
-    // The whole usage text followed by a broken tag: the value is taken; the
-    // component lacks its location, which only validation mode refuses.
-    {
-        const QString prefix = at(QStringLiteral(">DEFAULT_DISPLAY"), 1);
-        ASSERT_TRUE(prefix.endsWith(QStringLiteral("DEFAULT_DISPLAY<")));
-        TorviGuiModeSettings lax;
-        EXPECT_FALSE(lax.SetXmlString(prefix, false));
-        ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
-        ASSERT_EQ(ModeAt(lax, 0).GetGuiComponentSettings().size(), 1);
-        EXPECT_EQ(ComponentAt(ModeAt(lax, 0), 0).GetGuiComponentUsage(), GuiComponentSettings::DEFAULT_DISPLAY);
-        EXPECT_TRUE(ComponentAt(ModeAt(lax, 0), 0).IsGuiComponentUsageSet());
-        EXPECT_FALSE(ComponentAt(ModeAt(lax, 0), 0).IsDockWidgetLocationSet());
-
-        TorviGuiModeSettings strict;
-        strict.SetValidate(true);
-        EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { strict.SetXmlString(prefix, false); }),
-                  QStringLiteral("DataOperationMode: Tried to append not completely defined or invalid item "
-                                 "GuiComponentSettings."));
-        EXPECT_TRUE(strict.GetDataOperationMode().isEmpty());
-    }
-
-    // Behind the mode's start tag, and behind the whole mode: a mode with a
-    // name is complete enough for both modes; a start tag still open is no
-    // element yet.
-    for (bool validate : {false, true}) {
-        SCOPED_TRACE(validate);
-        TorviGuiModeSettings open;
-        open.SetValidate(validate);
-        EXPECT_FALSE(open.SetXmlString(at(QStringLiteral("<DataOperationMode Name=\"Standard\"")), false));
-        EXPECT_TRUE(open.GetDataOperationMode().isEmpty());
-
-        TorviGuiModeSettings started;
-        started.SetValidate(validate);
-        EXPECT_FALSE(started.SetXmlString(at(QStringLiteral("<DataOperationMode Name=\"Standard\">")), false));
-        ASSERT_EQ(started.GetDataOperationMode().size(), 1);
-        EXPECT_TRUE(ModeAt(started, 0) == Mode(QStringLiteral("Standard")));
-
-        TorviGuiModeSettings allButTheEnd;
-        allButTheEnd.SetValidate(validate);
-        EXPECT_FALSE(allButTheEnd.SetXmlString(at(QStringLiteral("</OperationModeHandler>")), false));
-        EXPECT_TRUE(allButTheEnd == Example());
-    }
-
-    // Inside the handler's text, behind the complete mode.
-    {
-        const QString prefix = at(QStringLiteral("<OperationModeHandler>PMR830"));
-        TorviGuiModeSettings lax;
-        EXPECT_FALSE(lax.SetXmlString(prefix, false));
-        ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
-        EXPECT_TRUE(ModeAt(lax, 0) == StandardMode());
-        EXPECT_TRUE(lax.IsOperationModeHandlerSet());
-        EXPECT_EQ(lax.GetOperationModeHandler(), Handler(-1));
-
-        TorviGuiModeSettings strict;
-        strict.SetValidate(true);
-        EXPECT_EQ(MessageOf<OutOfRangeException>([&] { strict.SetXmlString(prefix, false); }), kHandlerInvalid);
-        ASSERT_EQ(strict.GetDataOperationMode().size(), 1);
-        EXPECT_TRUE(ModeAt(strict, 0) == StandardMode());
-        EXPECT_FALSE(strict.IsOperationModeHandlerSet());
-    }
-
-    // A mode, component and usage all cut off by the end of the input.
-    const QString nested = QStringLiteral(
-        "<TorviGuiModeSettings><DataOperationMode Name=\"X\"><GuiComponentSettings Name=\"C\">"
-        "<GuiComponentUsage>AVAILABLE</GuiComponentUsage>");
-    {
-        TorviGuiModeSettings lax;
-        EXPECT_FALSE(lax.SetXmlString(nested, false));
-        ASSERT_EQ(lax.GetDataOperationMode().size(), 1);
-        EXPECT_EQ(ModeAt(lax, 0).GetName(), QStringLiteral("X"));
-        ASSERT_EQ(ModeAt(lax, 0).GetGuiComponentSettings().size(), 1);
-        EXPECT_EQ(ComponentAt(ModeAt(lax, 0), 0).GetName(), QStringLiteral("C"));
-        EXPECT_TRUE(ComponentAt(ModeAt(lax, 0), 0).IsGuiComponentUsageSet());
-        EXPECT_EQ(ComponentAt(ModeAt(lax, 0), 0).GetGuiComponentUsage(), GuiComponentSettings::AVAILABLE);
-
-        TorviGuiModeSettings strict;
-        strict.SetValidate(true);
-        EXPECT_EQ(MessageOf<IncompleteDefinitionException>([&] { strict.SetXmlString(nested, false); }),
-                  QStringLiteral("DataOperationMode: Tried to append not completely defined or invalid item "
-                                 "GuiComponentSettings."));
-        EXPECT_TRUE(strict.GetDataOperationMode().isEmpty());
-    }
-
-    // An unknown handler text cut off, and a name text cut off (read as an
-    // empty, non-null name, which a mode accepts in either mode).
-    const QString bogus = QStringLiteral("<TorviGuiModeSettings><OperationModeHandler>Bogus");
-    TorviGuiModeSettings laxHandler;
-    EXPECT_FALSE(laxHandler.SetXmlString(bogus, false));
-    EXPECT_TRUE(laxHandler.IsOperationModeHandlerSet());
-    EXPECT_EQ(laxHandler.GetOperationModeHandler(), Handler(-1));
-    TorviGuiModeSettings strictHandler;
-    strictHandler.SetValidate(true);
-    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { strictHandler.SetXmlString(bogus, false); }), kHandlerInvalid);
-    EXPECT_FALSE(strictHandler.IsOperationModeHandlerSet());
-
-    for (bool validate : {false, true}) {
-        SCOPED_TRACE(validate);
-        TorviGuiModeSettings named;
-        named.SetValidate(validate);
-        EXPECT_FALSE(named.SetXmlString(QStringLiteral("<TorviGuiModeSettings><DataOperationMode><Name>Sta"), false));
-        ASSERT_EQ(named.GetDataOperationMode().size(), 1);
-        EXPECT_TRUE(ModeAt(named, 0).IsNameSet());
-        EXPECT_TRUE(ModeAt(named, 0).GetName().isEmpty());
-        EXPECT_FALSE(ModeAt(named, 0).GetName().isNull());
-
-        // The text in front of a broken tag is the name.
-        TorviGuiModeSettings brokenTag;
-        brokenTag.SetValidate(validate);
-        EXPECT_FALSE(brokenTag.SetXmlString(
-            QStringLiteral("<TorviGuiModeSettings><DataOperationMode><Name>Sta</Nome>"), false));
-        ASSERT_EQ(brokenTag.GetDataOperationMode().size(), 1);
-        EXPECT_EQ(ModeAt(brokenTag, 0).GetName(), QStringLiteral("Sta"));
-    }
-
-    // LoadXml from a file that breaks off: false, with what was read.
+    const QString premature = QStringLiteral("XML error at line 1, column %1: Premature end of document.");
+    const struct {
+        QString document;
+        QString error;
+    } cases[] = {
+        {at(QStringLiteral(">DEFAULT_DIS")), premature.arg(125)},
+        {at(QStringLiteral(">DEFAULT_DISPLAY")), premature.arg(129)},
+        {at(QStringLiteral(">DEFAULT_DISPLAY"), 1), premature.arg(130)},
+        {at(QStringLiteral("<DataOperationMode Name=\"Standard\"")), premature.arg(56)},
+        {at(QStringLiteral("<DataOperationMode Name=\"Standard\">")), premature.arg(57)},
+        {at(QStringLiteral("<OperationModeHandler>PMR830")), premature.arg(451)},
+        {at(QStringLiteral("</OperationModeHandler>")), premature.arg(493)},
+        {QStringLiteral("<TorviGuiModeSettings><DataOperationMode Name=\"X\"><GuiComponentSettings Name=\"C\">"
+                        "<GuiComponentUsage>AVAILABLE</GuiComponentUsage>"),
+         premature.arg(129)},
+        {QStringLiteral("<TorviGuiModeSettings><OperationModeHandler>Bogus"), premature.arg(49)},
+        {QStringLiteral("<TorviGuiModeSettings><DataOperationMode><Name>Sta"), premature.arg(50)},
+        {QStringLiteral("<TorviGuiModeSettings><DataOperationMode><Name>Sta</Nome>"),
+         QStringLiteral("XML error at line 1, column 57: Opening and ending tag mismatch.")},
+    };
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     QFile file(dir.filePath(QStringLiteral("cut.xml")));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(nested.toUtf8());
-    file.close();
-    TorviGuiModeSettings loaded;
-    loaded.AppendDataOperationMode(Mode(QStringLiteral("Old")));
-    EXPECT_FALSE(loaded.LoadXml(file.fileName()));
-    ASSERT_EQ(loaded.GetDataOperationMode().size(), 1);
-    EXPECT_EQ(ModeAt(loaded, 0).GetName(), QStringLiteral("X"));
-    ASSERT_EQ(ModeAt(loaded, 0).GetGuiComponentSettings().size(), 1);
-    EXPECT_EQ(ComponentAt(ModeAt(loaded, 0), 0).GetGuiComponentUsage(), GuiComponentSettings::AVAILABLE);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.document.toStdString());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(c.document.toUtf8());
+        file.close();
+        for (const bool validate : {false, true}) {
+            SCOPED_TRACE(validate);
+            TorviGuiModeSettings root;
+            root.SetValidate(validate);
+            root.AppendDataOperationMode(Mode(QStringLiteral("Old")));
+            const TorviGuiModeSettings before(root);
+            EXPECT_EQ(MessageOf<ReportException>([&] { EXPECT_FALSE(root.SetXmlString(c.document, true)); }),
+                      kNothingThrown);
+            EXPECT_EQ(root.GetErrorString(), c.error);
+            EXPECT_TRUE(root == before);
+            EXPECT_EQ(MessageOf<ReportException>([&] { EXPECT_FALSE(root.LoadXml(file.fileName())); }),
+                      kNothingThrown);
+            EXPECT_EQ(root.GetErrorString(), c.error);
+            EXPECT_TRUE(root == before);
+        }
+    }
 }
 
 TEST(XmlRepresentation, FilesRoundTrip)
@@ -852,7 +734,11 @@ TEST(XmlRepresentation, FailedSaveLeavesThePreviousFile)
     EXPECT_EQ(contents(), before);
     EXPECT_EQ(entries(), onlyFile);
 
-    EXPECT_FALSE(Example().SaveXml(dir.filePath(QStringLiteral("missing/settings.xml"))));
+    const TorviGuiModeSettings example = Example();
+    const QString nowhere = dir.filePath(QStringLiteral("missing/settings.xml"));
+    EXPECT_FALSE(example.SaveXml(nowhere));
+    EXPECT_EQ(example.GetErrorString(),
+              QStringLiteral("cannot open for writing: No such file or directory"));
     EXPECT_EQ(contents(), before);
     EXPECT_EQ(entries(), onlyFile);
 
@@ -889,25 +775,19 @@ TEST(XmlRepresentation, FlagAndLoggerOfReadElements)
 
     for (bool validate : {false, true}) {
         SCOPED_TRACE(validate);
-        // A list element present before the read, with a flag and logger of
-        // its own: the root's are re-applied to it at the first child.
+        // The modes are read with the root's flag and logger; each child
+        // re-applies them to the elements appended before it. The document
+        // ends with a mode: no child follows it, so nothing re-applies the
+        // root's logger to it; as an appended copy it has none.
         TorviGuiModeSettings root;
         root.SetValidate(validate);
         root.SetLogger(logger);
-        root.SetOperationModeHandler(TorviGuiModeSettings::QLSManagementComponent);
-        root.AppendDataOperationMode(Mode(QStringLiteral("Pre"), {Component(QStringLiteral("p"),
-                                                                            GuiComponentSettings::AVAILABLE,
-                                                                            GuiComponentSettings::TopDockWidgetArea)}));
-        root.GetDataOperationMode()[0].SetValidate(!validate);
+        root.AppendDataOperationMode(Mode(QStringLiteral("Pre")));
         root.GetDataOperationMode()[0].SetLogger(other);
-
-        // The document ends with a mode: no child follows it, so nothing
-        // re-applies the root's logger to it; as an appended copy it has none.
         ASSERT_TRUE(root.SetXmlString(twoModes.arg(QString()), false));
-        ASSERT_EQ(root.GetDataOperationMode().size(), 3);
+        ASSERT_EQ(root.GetDataOperationMode().size(), 2);
         expectMode(ModeAt(root, 0), validate, logger);
-        expectMode(ModeAt(root, 1), validate, logger);
-        expectMode(ModeAt(root, 2), validate, nullptr);
+        expectMode(ModeAt(root, 1), validate, nullptr);
         EXPECT_EQ(root.GetLogger(), logger);
 
         // Another child after the last mode re-applies it everywhere.
@@ -922,8 +802,9 @@ TEST(XmlRepresentation, FlagAndLoggerOfReadElements)
         expectMode(ModeAt(withHandler, 1), validate, logger);
 
         // Writing re-applies the root's logger to the whole tree.
+        root.SetOperationModeHandler(TorviGuiModeSettings::QLSManagementComponent);
         root.GetXmlString();
-        expectMode(ModeAt(root, 2), validate, logger);
+        expectMode(ModeAt(root, 1), validate, logger);
     }
 
     // The same one level down: a mode read as a document of its own.

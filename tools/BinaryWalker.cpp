@@ -350,7 +350,7 @@ void Walker::walkUnknown(qint64 pos, qint64 end, int depth)
 
 } // namespace
 
-UnpackedBinary unpackBinary(const QByteArray& fileData)
+UnpackedBinary unpackBinary(const QByteArray& fileData, qint64 maxSize)
 {
     UnpackedBinary result;
     if (fileData.size() < 4) {
@@ -384,7 +384,10 @@ UnpackedBinary unpackBinary(const QByteArray& fileData)
         return result;
     }
     QString problem;
-    if (!REPORTGENERATOR::InflateCompressed(fileData, result.bytes, &problem)) {
+    REPORTGENERATOR::InflateLimits limits;
+    limits.maxSize = maxSize;
+    limits.budget = true;
+    if (!REPORTGENERATOR::InflateCompressed(fileData, result.bytes, &problem, limits)) {
         result.bytes.clear();
         result.problem = notPlain + problem;
         return result;

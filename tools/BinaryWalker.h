@@ -34,7 +34,9 @@ struct UnpackedBinary
     QString problem;          // Unreadable only
 };
 
-UnpackedBinary unpackBinary(const QByteArray& fileData);
+/// Inflates a compressed file only when what it announces stays within
+/// maxSize and the library's inflation budget.
+UnpackedBinary unpackBinary(const QByteArray& fileData, qint64 maxSize);
 
 /// One line of the walk: the offset in the plain bytes, the nesting depth,
 /// the text, and whether it reports a fault of the input.

@@ -212,15 +212,19 @@ void locateXmlFailure(const QByteArray& data, const XmlOutline& outline, const Q
     addElementNotes(outline, index, report);
 }
 
-FileReport checkXml(const QString& path, const QByteArray& data)
+// The XML document in data, which loadDocument read into settings with
+// the given status and message.
+FileReport checkXml(TORVIXML::TorviGuiModeSettings& settings, int status, const QString& message,
+                    const QByteArray& data)
 {
     FileReport report;
-    TORVIXML::TorviGuiModeSettings settings;
-    QString message;
-    report.status = loadDocument(path, settings, true, message);
+    report.status = status;
     if (report.status != ExitSuccess) {
-        // The reader's own errors come with their place.
-        static const QRegularExpression xmlError(QStringLiteral("^XML error at line (\\d+), column (\\d+): (.*)$"));
+        // The reader's own errors, and the limits the library measures on
+        // the markup before reading, come with their place. A document
+        // refused for a limit must not be read again here without it.
+        static const QRegularExpression xmlError(
+            QStringLiteral("^(?:XML error )?at line (\\d+), column (\\d+): (.*)$"));
         const QRegularExpressionMatch match = xmlError.match(message);
         if (match.hasMatch()) {
             report.diagnostics.append({xmlPlace(match.captured(1).toLongLong(), match.captured(2).toLongLong()),
@@ -256,9 +260,9 @@ FileReport checkXml(const QString& path, const QByteArray& data)
 // Reads the plain bytes again through the root's own reader, so that the
 // place the library's exception left the stream at can be told, and reports
 // the error at the member record (or list element) being read there.
-void locateBinaryFailure(const QByteArray& data, const QString& message, FileReport& report)
+void locateBinaryFailure(const QByteArray& data, qint64 maxSize, const QString& message, FileReport& report)
 {
-    const UnpackedBinary unpacked = unpackBinary(data);
+    const UnpackedBinary unpacked = unpackBinary(data, maxSize);
     qint64 failedAt = -1;
     if (unpacked.kind != UnpackedBinary::Unreadable && unpacked.bytes.size() >= 8) {
         QBuffer buffer;
@@ -311,21 +315,17 @@ void locateBinaryFailure(const QByteArray& data, const QString& message, FileRep
         report.diagnostics.append({where, QStringLiteral("note"), QStringLiteral("did you mean %1?").arg(quoted(meant))});
 }
 
-FileReport checkOne(const QString& path)
+FileReport checkOne(const QString& path, qint64 maxSize)
 {
+    // Read once: the input may be a pipe or standard input.
     QByteArray data;
     FileReport report;
     QString message;
-    if (!readWholeFile(path, data, message)) {
-        report.status = ExitUsageOrIo;
-        report.diagnostics.append({QString(), QStringLiteral("error"), message});
-        return report;
-    }
-    if (!data.isEmpty() && detectForm(data) == DocumentForm::Xml)
-        return checkXml(path, data);
-
     TORVIXML::TorviGuiModeSettings settings;
-    report.status = loadDocument(path, settings, true, message);
+    report.status = loadDocument(path, settings, true, maxSize, message, &data);
+    if (!data.isEmpty() && detectForm(data) == DocumentForm::Xml)
+        return checkXml(settings, report.status, message, data);
+
     if (report.status == ExitSuccess) {
         try {
             settings.Check();
@@ -335,7 +335,7 @@ FileReport checkOne(const QString& path)
         }
     }
     if (report.status == ExitInvalidInput)
-        locateBinaryFailure(data, message, report);
+        locateBinaryFailure(data, maxSize, message, report);
     else if (report.status != ExitSuccess)
         report.diagnostics.append({QString(), QStringLiteral("error"), message});
     else
@@ -372,21 +372,27 @@ int runCheck(const QStringList& arguments)
         "\"FILE:LINE:COLUMN: error: MESSAGE\" (XML) or \"FILE: offset N: error: MESSAGE\" (binary),\n"
         "each followed by notes with the object path, the value and a hint. Repeated handlers,\n"
         "mode names and component names within a mode are warnings."));
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Documents to check."),
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+                                 QStringLiteral("Documents to check; files, pipes, or - for standard input."),
                                  QStringLiteral("FILE..."));
     const QCommandLineOption strictOption(QStringLiteral("strict"),
                                           QStringLiteral("Exit with 1 when there are warnings."));
     parser.addOption(strictOption);
+    parser.addOption(maxSizeOption());
     const int parsed = parseCommandLine(parser, QStringLiteral("check"), arguments);
     if (parsed >= 0)
         return parsed;
     const QStringList files = parser.positionalArguments();
     if (files.isEmpty())
         return usageError(QStringLiteral("check"), QStringLiteral("check needs at least one file"));
+    QString limitError;
+    qint64 maxSize = 0;
+    if (!maxSizeFrom(parser, maxSize, limitError))
+        return usageError(QStringLiteral("check"), limitError);
 
     int result = ExitSuccess;
     for (const QString& file : files) {
-        FileReport report = checkOne(file);
+        FileReport report = checkOne(file, maxSize);
         printReport(file, report);
         if (report.status == ExitSuccess && report.warnings > 0 && parser.isSet(strictOption))
             report.status = ExitInvalidInput;

@@ -122,12 +122,12 @@ int runDemo(const QStringList& arguments)
         const TorviGuiModeSettings settings = buildExample();
 
         if (!settings.SaveXml(xmlPath)) {
-            reportFileError(xmlPath, QStringLiteral("cannot write the file"));
+            reportFileError(xmlPath, settings.GetErrorString());
             return ExitUsageOrIo;
         }
         const QByteArray binary = settings.GetBinaryRepresentationAsQByteArray();
         QString message;
-        if (!writeAtomically(binPath, binary, message)) {
+        if (!writeOutput(binPath, binary, message)) {
             reportFileError(binPath, message);
             return ExitUsageOrIo;
         }
@@ -135,7 +135,7 @@ int runDemo(const QStringList& arguments)
         TorviGuiModeSettings fromXml;
         fromXml.SetValidate(true);
         if (!fromXml.LoadXml(xmlPath)) {
-            reportFileError(xmlPath, QStringLiteral("cannot be read back"));
+            reportFileError(xmlPath, QStringLiteral("cannot be read back: %1").arg(fromXml.GetErrorString()));
             return ExitInvalidInput;
         }
         if (fromXml != settings) {
@@ -146,7 +146,7 @@ int runDemo(const QStringList& arguments)
         fromBinary.SetValidate(true);
         QFile binFile(binPath);
         if (!fromBinary.LoadBinary(&binFile)) {
-            reportFileError(binPath, QStringLiteral("cannot be read back"));
+            reportFileError(binPath, QStringLiteral("cannot be read back: %1").arg(fromBinary.GetErrorString()));
             return ExitInvalidInput;
         }
         if (fromBinary != settings) {

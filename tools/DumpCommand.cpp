@@ -20,7 +20,8 @@ int runDump(const QStringList& arguments)
         "texts (quoted; enumeration names with their value). Unknown members are shown and\n"
         "skipped. Faults of the framing are reported where the byte accounting fails; the\n"
         "exit status is then 1."));
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Binary document."));
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Binary document, or - for standard input."));
+    parser.addOption(maxSizeOption());
     const int parsed = parseCommandLine(parser, QStringLiteral("dump"), arguments);
     if (parsed >= 0)
         return parsed;
@@ -28,18 +29,22 @@ int runDump(const QStringList& arguments)
     if (positional.size() != 1)
         return usageError(QStringLiteral("dump"), QStringLiteral("dump needs exactly one file"));
     const QString path = positional.first();
+    QString message;
+    qint64 maxSize = 0;
+    if (!maxSizeFrom(parser, maxSize, message))
+        return usageError(QStringLiteral("dump"), message);
 
     QByteArray data;
-    QString message;
-    if (!readWholeFile(path, data, message)) {
+    const int read = readInput(path, maxSize, data, message);
+    if (read != ExitSuccess) {
         reportFileError(path, message);
-        return ExitUsageOrIo;
+        return read;
     }
     if (!data.isEmpty() && detectForm(data) == DocumentForm::Xml) {
         reportFileError(path, QStringLiteral("an XML document, not a binary one"));
         return ExitInvalidInput;
     }
-    const UnpackedBinary unpacked = unpackBinary(data);
+    const UnpackedBinary unpacked = unpackBinary(data, maxSize);
     if (unpacked.kind == UnpackedBinary::Unreadable) {
         reportFileError(path, unpacked.problem);
         return ExitInvalidInput;

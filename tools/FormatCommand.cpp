@@ -10,30 +10,10 @@
 
 #include <QBuffer>
 #include <QCommandLineParser>
-#include <QFile>
 #include <QTextStream>
 #include <QXmlStreamWriter>
 
 namespace TorviTool {
-
-namespace {
-
-// Until the shared output helper exists: a file written atomically, or
-// standard output for "-".
-bool writeOutput(const QString& path, const QByteArray& bytes, QString& message)
-{
-    if (path != QLatin1String("-"))
-        return writeAtomically(path, bytes, message);
-    out().flush();
-    QFile file;
-    if (!file.open(stdout, QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
-        message = QStringLiteral("cannot write: %1").arg(file.errorString());
-        return false;
-    }
-    return true;
-}
-
-} // namespace
 
 int runFormat(const QStringList& arguments)
 {
@@ -42,7 +22,7 @@ int runFormat(const QStringList& arguments)
     parser.setApplicationDescription(QStringLiteral(
         "Reads a settings document (XML, plain or compressed binary) and writes it as\n"
         "indented XML, one element per line, to standard output or to OUT."));
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Input document."));
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Input document, or - for standard input."));
     const QCommandLineOption outputOption(
         {QStringLiteral("o"), QStringLiteral("output")},
         QStringLiteral("Write to <OUT> instead of standard output (- for standard output); OUT is replaced "
@@ -53,11 +33,13 @@ int runFormat(const QStringList& arguments)
                                           QStringLiteral("N"), QStringLiteral("2"));
     const QCommandLineOption noValidateOption(
         QStringLiteral("no-validate"),
-        QStringLiteral("Read and write without validation: unknown names and incomplete objects are "
-                       "taken as they are."));
+        QStringLiteral("Read and write without validation, as convert --no-validate does: incomplete objects are "
+                       "written with the initial values of the members they lack; a text that names no value of its "
+                       "enumeration stops the command with exit status 1."));
     parser.addOption(outputOption);
     parser.addOption(indentOption);
     parser.addOption(noValidateOption);
+    parser.addOption(maxSizeOption());
     const int parsed = parseCommandLine(parser, command, arguments);
     if (parsed >= 0)
         return parsed;
@@ -73,13 +55,21 @@ int runFormat(const QStringList& arguments)
     const QString input = positional.first();
     const QString output = parser.isSet(outputOption) ? parser.value(outputOption) : QStringLiteral("-");
 
-    TORVIXML::TorviGuiModeSettings settings;
     QString message;
-    const int loaded = loadDocument(input, settings, !parser.isSet(noValidateOption), message);
+    qint64 maxSize = 0;
+    if (!maxSizeFrom(parser, maxSize, message))
+        return usageError(command, message);
+
+    TORVIXML::TorviGuiModeSettings settings;
+    QByteArray data;
+    const bool validate = !parser.isSet(noValidateOption);
+    const int loaded = loadDocument(input, settings, validate, maxSize, message, &data);
     if (loaded != ExitSuccess) {
         reportFileError(input, message);
         return loaded;
     }
+    if (!validate && reportNamelessValues(input, output, settings, data, maxSize))
+        return ExitInvalidInput;
     if (!settings.HasData()) {
         reportFileError(input, QStringLiteral("the settings read produce no document"));
         return ExitInvalidInput;

@@ -36,10 +36,11 @@ int runPreview(const QStringList& arguments)
         "Draws the main window of the mode named MODE in FILE (XML, plain or compressed binary)\n"
         "as a PNG image: its dock areas with the components, solid when shown by default,\n"
         "dashed when merely available; floating ones as separate windows, undocked ones apart."));
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Settings document."));
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Settings document, or - for standard input."));
     parser.addPositionalArgument(QStringLiteral("MODE"), QStringLiteral("Name of the data operation mode."));
     const QCommandLineOption outputOption({QStringLiteral("o"), QStringLiteral("output")},
-                                          QStringLiteral("Write the image to <PNG>."), QStringLiteral("PNG"));
+                                          QStringLiteral("Write the image to <PNG> (- for standard output)."),
+                                          QStringLiteral("PNG"));
     const QCommandLineOption langOption(QStringLiteral("lang"),
                                         QStringLiteral("Caption the dock areas in language <LANG> (e.g. de)."),
                                         QStringLiteral("LANG"));
@@ -48,6 +49,7 @@ int runPreview(const QStringList& arguments)
     parser.addOption(outputOption);
     parser.addOption(langOption);
     parser.addOption(noValidateOption);
+    parser.addOption(maxSizeOption());
     const int parsed = parseCommandLine(parser, command, arguments);
     if (parsed >= 0)
         return parsed;
@@ -56,12 +58,15 @@ int runPreview(const QStringList& arguments)
         return usageError(command, QStringLiteral("preview needs FILE and MODE"));
     if (parser.value(outputOption).isEmpty())
         return usageError(command, QStringLiteral("preview needs -o PNG"));
+    QString message;
+    qint64 maxSize = 0;
+    if (!maxSizeFrom(parser, maxSize, message))
+        return usageError(command, message);
     selectLanguage(parser.value(langOption));
 
     const QString& input = positional[0];
     TORVIXML::TorviGuiModeSettings settings;
-    QString message;
-    const int loaded = loadDocument(input, settings, !parser.isSet(noValidateOption), message);
+    const int loaded = loadDocument(input, settings, !parser.isSet(noValidateOption), maxSize, message);
     if (loaded != ExitSuccess) {
         reportFileError(input, message);
         return loaded;
@@ -77,7 +82,7 @@ int runPreview(const QStringList& arguments)
         buffer.open(QIODevice::WriteOnly);
         TORVIXML::Preview::renderMode(mode).save(&buffer, "PNG");
         const QString output = parser.value(outputOption);
-        if (!writeAtomically(output, png, message)) {
+        if (!writeOutput(output, png, message)) {
             reportFileError(output, message);
             return ExitUsageOrIo;
         }

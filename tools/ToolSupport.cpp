@@ -1,13 +1,16 @@
 #include "ToolSupport.h"
 
 #include "BinaryWalker.h"
+#include "DocumentIO.h"
 
 #include <TorviXML/TorviXML.h>
 
+#include <QBuffer>
+#include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
-#include <QSaveFile>
+#include <QHash>
 #include <QTextStream>
 #include <QXmlStreamReader>
 
@@ -82,36 +85,11 @@ bool needsEscape(uint c)
         || category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
 }
 
-// Where the library refused an XML file, says why: the reader's error with
-// its position, or a root element of another name.
-QString describeXmlFailure(const QByteArray& data)
+// Where the library refused a binary file, says why: the first fault that a
+// walk over the bytes finds, or else the library's own reason.
+QString describeBinaryFailure(const QByteArray& data, qint64 maxSize, const QString& reason)
 {
-    QXmlStreamReader reader(data);
-    bool rootSeen = false;
-    while (!reader.atEnd()) {
-        reader.readNext();
-        if (reader.isStartElement() && !rootSeen) {
-            rootSeen = true;
-            if (reader.name() != QLatin1String("TorviGuiModeSettings")) {
-                return QStringLiteral("the document element is <%1>, not <TorviGuiModeSettings>")
-                    .arg(reader.name().toString());
-            }
-        }
-    }
-    if (reader.hasError()) {
-        return QStringLiteral("XML error at line %1, column %2: %3")
-            .arg(reader.lineNumber())
-            .arg(reader.columnNumber())
-            .arg(reader.errorString());
-    }
-    return QStringLiteral("not a readable TorviGuiModeSettings XML document");
-}
-
-// Where the library refused a binary file, says why, naming the first fault
-// that a walk over the bytes finds.
-QString describeBinaryFailure(const QByteArray& data)
-{
-    const UnpackedBinary unpacked = unpackBinary(data);
+    const UnpackedBinary unpacked = unpackBinary(data, maxSize);
     if (unpacked.kind == UnpackedBinary::Unreadable)
         return unpacked.problem;
     const bool inflated = unpacked.kind == UnpackedBinary::Compressed;
@@ -132,7 +110,113 @@ QString describeBinaryFailure(const QByteArray& data)
             .arg(inflated ? QStringLiteral(" of the inflated bytes") : QString())
             .arg(summary.firstError);
     }
-    return QStringLiteral("not a readable TorviGuiModeSettings binary document");
+    return reason;
+}
+
+using TORVIXML::DataOperationMode;
+using TORVIXML::GuiComponentSettings;
+using TORVIXML::TorviGuiModeSettings;
+
+// An enumeration member that holds a value without a name. Read without
+// validation, that is what a text naming no value becomes; it would be
+// written as an empty text, and the text of the input would be lost.
+struct Nameless
+{
+    QString where;
+    QString member;
+};
+
+QVector<Nameless> namelessValues(const TorviGuiModeSettings& root)
+{
+    QVector<Nameless> found;
+    const QVector<DataOperationMode>& modes = root.GetDataOperationMode();
+    for (int m = 0; m < modes.size(); ++m) {
+        const DataOperationMode& mode = modes.at(m);
+        const QVector<GuiComponentSettings>& components = mode.GetGuiComponentSettings();
+        for (int c = 0; c < components.size(); ++c) {
+            const GuiComponentSettings& component = components.at(c);
+            const QString where = QStringLiteral("DataOperationMode %1 (%2), GuiComponentSettings %3 (%4)")
+                                      .arg(m + 1)
+                                      .arg(quoted(mode.GetName()))
+                                      .arg(c + 1)
+                                      .arg(quoted(component.GetName()));
+            if (component.IsGuiComponentUsageSet()
+                && component.GuiComponentUsageToName(component.GetGuiComponentUsage()).isNull())
+                found.append({where, QStringLiteral("GuiComponentUsage")});
+            if (component.IsDockWidgetLocationSet()
+                && component.DockWidgetLocationToName(component.GetDockWidgetLocation()).isNull())
+                found.append({where, QStringLiteral("DockWidgetLocation")});
+        }
+    }
+    if (root.IsOperationModeHandlerSet() && root.OperationModeHandlerToName(root.GetOperationModeHandler()).isNull())
+        found.append({QStringLiteral("TorviGuiModeSettings"), QStringLiteral("OperationModeHandler")});
+    return found;
+}
+
+// The texts of the input that name no value, per member in document order,
+// with their place: where the elements of an XML document stand as the
+// readers take them, the text elements' own text; in a binary document the
+// enumeration texts the walk finds.
+QHash<QString, QStringList> namelessTextsInXml(const QByteArray& data)
+{
+    QHash<QString, QStringList> texts;
+    QXmlStreamReader reader(data);
+    QStringList path;
+    while (!reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::EndElement && !path.isEmpty()) {
+            path.removeLast();
+            continue;
+        }
+        if (token != QXmlStreamReader::StartElement)
+            continue;
+        path << reader.name().toString();
+        const QString& name = path.last();
+        QStringList names;
+        if (path.size() == 2 && name == QLatin1String("OperationModeHandler"))
+            names = TorviGuiModeSettings::GetOperationModeHandlers();
+        else if (path.size() == 4 && path.at(1) == QLatin1String("DataOperationMode")
+                 && path.at(2) == QLatin1String("GuiComponentSettings")
+                 && name == QLatin1String("GuiComponentUsage"))
+            names = GuiComponentSettings::GetGuiComponentUsages();
+        else if (path.size() == 4 && path.at(1) == QLatin1String("DataOperationMode")
+                 && path.at(2) == QLatin1String("GuiComponentSettings")
+                 && name == QLatin1String("DockWidgetLocation"))
+            names = GuiComponentSettings::GetDockWidgetLocations();
+        else
+            continue;
+        const qint64 line = reader.lineNumber();
+        const qint64 column = reader.columnNumber() + 1;
+        const QString member = name;
+        const QString text = reader.readElementText(QXmlStreamReader::SkipChildElements);
+        path.removeLast();
+        if (!names.contains(text))
+            texts[member] << QStringLiteral("%1 (line %2, column %3)").arg(quoted(text)).arg(line).arg(column);
+    }
+    return texts;
+}
+
+QHash<QString, QStringList> namelessTextsInBinary(const QByteArray& data, qint64 maxSize)
+{
+    QHash<QString, QStringList> texts;
+    const UnpackedBinary unpacked = unpackBinary(data, maxSize);
+    const QString offsets = unpacked.kind == UnpackedBinary::Compressed ? QStringLiteral("offset %1 of the inflated bytes")
+                                                                        : QStringLiteral("offset %1");
+    walkBinary(unpacked.bytes, [&](const WalkLine& line) {
+        // "text \"LeftDock\" (not a name of DockWidgetLocation)", or
+        // "byte count 0xFFFFFFFF: null text (no name of ...)".
+        for (const QString& marker : {QStringLiteral(" (not a name of "), QStringLiteral(" (no name of ")}) {
+            const int at = line.text.lastIndexOf(marker);
+            if (at < 0 || !line.text.endsWith(QLatin1Char(')')))
+                continue;
+            const QString member = line.text.mid(at + marker.size()).chopped(1);
+            QString text = line.text.left(at);
+            if (text.startsWith(QLatin1String("text ")))
+                text = text.mid(5);
+            texts[member] << QStringLiteral("%1 (%2)").arg(text, offsets.arg(line.offset));
+        }
+    });
+    return texts;
 }
 
 } // namespace
@@ -270,56 +354,88 @@ DocumentForm detectForm(const QByteArray& data)
     return i < size && b[i] == '<' ? DocumentForm::Xml : DocumentForm::Binary;
 }
 
-bool readWholeFile(const QString& path, QByteArray& data, QString& message)
+bool isStandardStream(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        message = QStringLiteral("cannot open for reading: %1").arg(file.errorString());
+    return path == QLatin1String("-");
+}
+
+QCommandLineOption maxSizeOption()
+{
+    return QCommandLineOption(
+        QStringLiteral("max-size"),
+        QStringLiteral("Refuse documents larger than <SIZE> bytes (K, M or G for KiB, MiB or GiB; default 256M). "
+                       "It also bounds what a compressed document may inflate to."),
+        QStringLiteral("SIZE"));
+}
+
+bool maxSizeFrom(const QCommandLineParser& parser, qint64& maxSize, QString& message)
+{
+    maxSize = REPORTGENERATOR::IRGObject::DefaultMaxDocumentSize;
+    if (!parser.isSet(QStringLiteral("max-size")))
+        return true;
+    QString text = parser.value(QStringLiteral("max-size")).trimmed();
+    qint64 unit = 1;
+    const QChar last = text.isEmpty() ? QChar() : text.at(text.size() - 1).toUpper();
+    if (last == QLatin1Char('K') || last == QLatin1Char('M') || last == QLatin1Char('G')) {
+        unit = last == QLatin1Char('K') ? 1024 : last == QLatin1Char('M') ? 1024 * 1024 : 1024 * 1024 * 1024;
+        text.chop(1);
+    }
+    bool ok = false;
+    const qint64 number = text.toLongLong(&ok);
+    // No byte array holds 2 GiB.
+    if (!ok || number < 1 || number > (qint64(2) << 30) / unit - 1) {
+        message = QStringLiteral("--max-size: \"%1\" is no size from 1 byte to 2047M")
+                      .arg(parser.value(QStringLiteral("max-size")));
         return false;
     }
-    data = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        message = QStringLiteral("cannot read: %1").arg(file.errorString());
-        return false;
-    }
+    maxSize = number * unit;
     return true;
 }
 
-int loadDocument(const QString& path, TORVIXML::TorviGuiModeSettings& root, bool validate, QString& message)
+int readInput(const QString& path, qint64 maxSize, QByteArray& data, QString& message)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const bool opened = isStandardStream(path) ? file.open(fileno(stdin), QIODevice::ReadOnly)
+                                               : file.open(QIODevice::ReadOnly);
+    if (!opened) {
         message = QStringLiteral("cannot open for reading: %1").arg(file.errorString());
         return ExitUsageOrIo;
     }
-    QByteArray data = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        message = QStringLiteral("cannot read: %1").arg(file.errorString());
-        return ExitUsageOrIo;
-    }
+    bool tooLarge = false;
+    if (!REPORTGENERATOR::ReadWholeDevice(file, maxSize, data, message, &tooLarge))
+        return tooLarge ? ExitInvalidInput : ExitUsageOrIo;
+    return ExitSuccess;
+}
+
+int loadDocument(const QString& path, TORVIXML::TorviGuiModeSettings& root, bool validate, qint64 maxSize,
+                 QString& message, QByteArray* input)
+{
+    QByteArray data;
+    const int read = readInput(path, maxSize, data, message);
+    if (read != ExitSuccess)
+        return read;
     if (data.isEmpty()) {
-        message = QStringLiteral("empty file");
+        message = isStandardStream(path) ? QStringLiteral("empty input") : QStringLiteral("empty file");
         return ExitInvalidInput;
     }
+    if (input)
+        *input = data;
 
     root.SetValidate(validate);
+    root.SetMaxDocumentSize(maxSize);
     try {
         if (detectForm(data) == DocumentForm::Xml) {
-            // Let the reader see the bytes themselves, so that it honours the
+            // The reader sees the bytes themselves, so that it honours the
             // document's byte order mark and encoding declaration.
-            if (!file.seek(0)) {
-                message = QStringLiteral("cannot read: %1").arg(file.errorString());
-                return ExitUsageOrIo;
-            }
-            if (root.LoadXml(&file))
+            QBuffer buffer(&data);
+            if (root.LoadXml(&buffer))
                 return ExitSuccess;
-            message = describeXmlFailure(data);
+            message = root.GetErrorString();
             return ExitInvalidInput;
         }
-        root.Reset();
         if (root.SetBinaryRepresentation(data))
             return ExitSuccess;
-        message = describeBinaryFailure(data);
+        message = describeBinaryFailure(data, maxSize, root.GetErrorString());
         return ExitInvalidInput;
     } catch (const ReportException& e) {
         message = e.GetMessageText();
@@ -327,19 +443,54 @@ int loadDocument(const QString& path, TORVIXML::TorviGuiModeSettings& root, bool
     }
 }
 
-bool writeAtomically(const QString& path, const QByteArray& bytes, QString& message)
+bool reportNamelessValues(const QString& input, const QString& output, const TORVIXML::TorviGuiModeSettings& settings,
+                          const QByteArray& data, qint64 maxSize)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    // Read without validation, a text that names no value becomes a value
+    // without a name; say which, with the text where it can be found.
+    const QVector<Nameless> nameless = namelessValues(settings);
+    if (nameless.isEmpty())
+        return false;
+    const QHash<QString, QStringList> texts =
+        detectForm(data) == DocumentForm::Xml ? namelessTextsInXml(data) : namelessTextsInBinary(data, maxSize);
+    QHash<QString, int> count;
+    for (const Nameless& value : nameless)
+        ++count[value.member];
+    QHash<QString, int> next;
+    for (const Nameless& value : nameless) {
+        const QStringList& found = texts.value(value.member);
+        const QString text =
+            found.size() == count.value(value.member) ? QLatin1Char(' ') + found.at(next[value.member]++) : QString();
+        reportFileError(input, QStringLiteral("%1: %2%3 is no name of its enumeration and cannot be written back")
+                                   .arg(value.where, value.member, text));
+    }
+    reportFileError(output, QStringLiteral("not written: %1 %2 would be lost")
+                                .arg(nameless.size())
+                                .arg(nameless.size() == 1 ? QStringLiteral("value") : QStringLiteral("values")));
+    return true;
+}
+
+bool writeOutput(const QString& path, const QByteArray& bytes, QString& message)
+{
+    if (!isStandardStream(path))
+        return REPORTGENERATOR::WriteFileAtomically(path, bytes, message);
+    out().flush();
+    // Straight to the descriptor, so that a failing write (a full disk, a
+    // closed pipe) shows here rather than in a buffer flushed at exit.
+    QFile file;
+    if (!file.open(fileno(stdout), QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         message = QStringLiteral("cannot open for writing: %1").arg(file.errorString());
         return false;
     }
-    if (file.write(bytes) != bytes.size()) {
-        message = QStringLiteral("cannot write: %1").arg(file.errorString());
-        file.cancelWriting();
-        return false;
+    // A short write reports no reason; the next one does.
+    qint64 written = 0;
+    while (written < bytes.size()) {
+        const qint64 step = file.write(bytes.constData() + written, bytes.size() - written);
+        if (step <= 0)
+            break;
+        written += step;
     }
-    if (!file.commit()) {
+    if (written != bytes.size()) {
         message = QStringLiteral("cannot write: %1").arg(file.errorString());
         return false;
     }

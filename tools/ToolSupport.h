@@ -9,6 +9,7 @@
 #include <QString>
 #include <QVector>
 
+class QCommandLineOption;
 class QCommandLineParser;
 class QTextStream;
 
@@ -63,21 +64,43 @@ enum class DocumentForm { Xml, Binary };
 /// white space; binary (plain or compressed) otherwise.
 DocumentForm detectForm(const QByteArray& data);
 
-/// Reads a whole file. On failure returns false with a message.
-bool readWholeFile(const QString& path, QByteArray& data, QString& message);
+/// Where a command reads or writes: a file (or a pipe or device by its
+/// name), or, for "-", standard input or standard output.
+bool isStandardStream(const QString& path);
 
-/// Reads a settings document (form told from its content) into a fresh
-/// root with the given validation flag. Returns ExitSuccess, or
-/// ExitInvalidInput / ExitUsageOrIo with a message: for a failure of the
-/// library its exact exception text, otherwise a description of what is
-/// wrong with the input.
-int loadDocument(const QString& path, TORVIXML::TorviGuiModeSettings& root, bool validate,
-                 QString& message);
+/// The option --max-size of the commands that read documents, and its
+/// value: a number of bytes, or of KiB, MiB or GiB with the suffix K, M or G.
+/// Without the option, the library's default maximum document size.
+QCommandLineOption maxSizeOption();
+bool maxSizeFrom(const QCommandLineParser& parser, qint64& maxSize, QString& message);
 
-/// Writes the bytes through QSaveFile: the file is replaced only when all of
-/// them were written; otherwise it is left as it was and no temporary file
-/// remains.
-bool writeAtomically(const QString& path, const QByteArray& bytes, QString& message);
+/// Reads a whole input, at most maxSize bytes (a larger file is refused by
+/// its size before it is read). Returns ExitSuccess, or ExitInvalidInput (too
+/// large) / ExitUsageOrIo (cannot open or read) with a message.
+int readInput(const QString& path, qint64 maxSize, QByteArray& data, QString& message);
+
+/// Reads a settings document (form told from its content) into root with
+/// the given validation flag and maximum document size. Returns
+/// ExitSuccess, or ExitInvalidInput / ExitUsageOrIo with a message: for a
+/// failure of the library its exact exception text or its reason, for a
+/// binary document the first fault a walk over the bytes finds. data (if
+/// given) receives the bytes read.
+int loadDocument(const QString& path, TORVIXML::TorviGuiModeSettings& root, bool validate, qint64 maxSize,
+                 QString& message, QByteArray* data = nullptr);
+
+/// Without validation a text that names no value of its enumeration is read
+/// as a value without a name, which would be written as an empty text. When
+/// settings hold such values, reports each (object, member, and the text of
+/// the input with its place where it can be found) and that output was not
+/// written, and returns true.
+bool reportNamelessValues(const QString& input, const QString& output, const TORVIXML::TorviGuiModeSettings& settings,
+                          const QByteArray& data, qint64 maxSize);
+
+/// Writes the bytes to path, atomically (the file is replaced only when all
+/// of them were written; otherwise it is left as it was and no temporary
+/// file remains), or to standard output for "-". On failure returns false
+/// with the system's reason.
+bool writeOutput(const QString& path, const QByteArray& bytes, QString& message);
 
 } // namespace TorviTool
 

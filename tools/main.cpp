@@ -31,6 +31,9 @@ const char* const description =
     "  preview FILE MODE -o PNG\n"
     "                    Draw the main window of a mode as an image.\n"
     "\n"
+    "Inputs may be files, pipes or devices, and - for standard input; convert\n"
+    "writes to standard output for OUT -. Documents larger than --max-size\n"
+    "(default 256M) are refused.\n"
     "'torvixml COMMAND --help' describes a command's options.\n"
     "Exit status: 0 success, 1 invalid input, 2 usage or I/O error.";
 

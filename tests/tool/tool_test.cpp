@@ -6,11 +6,20 @@
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
+
+#include <ostream>
+
+// Shows QStrings readably in failure messages.
+inline void PrintTo(const QString& text, std::ostream* os)
+{
+    *os << '"' << text.toStdString() << '"';
+}
 
 namespace {
 
@@ -20,9 +29,13 @@ struct ToolRun
     int code = -1;
     QString out;
     QString err;
+    QByteArray rawOut; // standard output as bytes, for binary documents
 };
 
-ToolRun runTool(const QStringList& arguments, const QString& workingDirectory = QString())
+// Runs the tool; input (if given) is what it reads on standard input, a
+// pipe; outputFile (if given) receives its standard output instead.
+ToolRun runTool(const QStringList& arguments, const QString& workingDirectory = QString(),
+                const QByteArray* input = nullptr, const QString& outputFile = QString())
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -32,7 +45,13 @@ ToolRun runTool(const QStringList& arguments, const QString& workingDirectory = 
     process.setProcessEnvironment(environment);
     if (!workingDirectory.isEmpty())
         process.setWorkingDirectory(workingDirectory);
+    if (!outputFile.isEmpty())
+        process.setStandardOutputFile(outputFile);
     process.start(QStringLiteral(TORVIXML_TOOL_PATH), arguments);
+    if (input) {
+        process.write(*input);
+        process.closeWriteChannel();
+    }
     ToolRun run;
     if (!process.waitForFinished(60000)) {
         process.kill();
@@ -41,7 +60,8 @@ ToolRun runTool(const QStringList& arguments, const QString& workingDirectory = 
     }
     run.finished = process.exitStatus() == QProcess::NormalExit;
     run.code = process.exitCode();
-    run.out = QString::fromUtf8(process.readAllStandardOutput());
+    run.rawOut = process.readAllStandardOutput();
+    run.out = QString::fromUtf8(run.rawOut);
     run.err = QString::fromUtf8(process.readAllStandardError());
     return run;
 }
@@ -240,7 +260,10 @@ TEST_F(ToolTest, ConvertRoundTripsThroughPlainAndCompressedBinary)
         QString message;
     } usage[] = {
         {{input, path(QStringLiteral("e.txt"))}, path(QStringLiteral("e.txt")) + QStringLiteral(": the output file must end in .xml or .bin")},
-        {{input, path(QStringLiteral("e.xml")), QStringLiteral("--compress"), QStringLiteral("1")}, QStringLiteral("--compress applies to .bin output only")},
+        {{input, path(QStringLiteral("e.xml")), QStringLiteral("--compress"), QStringLiteral("1")}, QStringLiteral("--compress applies to binary output only")},
+        {{input, QStringLiteral("-")}, QStringLiteral("writing to standard output needs --to xml or --to bin")},
+        {{input, path(QStringLiteral("e.bin")), QStringLiteral("--to"), QStringLiteral("json")}, QStringLiteral("--to: the form must be xml or bin, not \"json\"")},
+        {{input, path(QStringLiteral("e.bin")), QStringLiteral("--max-size"), QStringLiteral("12X")}, QStringLiteral("--max-size: \"12X\" is no size from 1 byte to 2047M")},
         {{input, path(QStringLiteral("e.bin")), QStringLiteral("--compress"), QStringLiteral("10")}, QStringLiteral("--compress: level must be -1 or 0 to 9, not \"10\"")},
         {{input}, QStringLiteral("convert needs exactly two files, IN and OUT")},
     };
@@ -516,6 +539,198 @@ TEST_F(ToolTest, QuietLeavesOnlyDiagnostics)
     EXPECT_EQ(run.code, 1);
     EXPECT_EQ(run.out, QString());
     EXPECT_NE(run.err, QString());
+}
+
+TEST_F(ToolTest, ReadsPipesAndStandardInputAndWritesStandardOutput)
+{
+    // Standard input is a pipe here: "-" and /dev/stdin read it whole, in
+    // either form.
+    const QByteArray xml = demoXml.toUtf8();
+    const QByteArray binary = demoBinary();
+    const QByteArray empty;
+    const struct {
+        QStringList arguments;
+        const QByteArray* input;
+        int code;
+        QByteArray out;
+        QString err;
+    } runs[] = {
+        {{QStringLiteral("check"), QStringLiteral("-")}, &xml, 0, "-: OK (1 mode, 2 components)\n", QString()},
+        {{QStringLiteral("check"), QStringLiteral("/dev/stdin")}, &binary, 0, "/dev/stdin: OK\n", QString()},
+        {{QStringLiteral("convert"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("--to"), QStringLiteral("bin")},
+         &xml, 0, binary, QString()},
+        {{QStringLiteral("convert"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("--to"), QStringLiteral("XML")},
+         &binary, 0, xml, QString()},
+        {{QStringLiteral("dump"), QStringLiteral("-")}, &binary, 0, "-: plain binary document, 253 bytes\n", QString()},
+        {{QStringLiteral("check"), QStringLiteral("-")}, &empty, 1, "", QStringLiteral("-: error: empty input\n")},
+        {{QStringLiteral("check"), QStringLiteral("--max-size"), QStringLiteral("500"), QStringLiteral("-")}, &xml, 1, "",
+         QStringLiteral("-: error: the input holds more than the maximum document size of 500 bytes\n")},
+    };
+    for (const auto& r : runs) {
+        SCOPED_TRACE(r.arguments.join(QLatin1Char(' ')).toStdString());
+        const ToolRun run = runTool(r.arguments, QString(), r.input);
+        ASSERT_TRUE(run.finished);
+        EXPECT_EQ(run.code, r.code);
+        EXPECT_EQ(r.arguments.first() == QLatin1String("dump") ? run.rawOut.left(r.out.size()) : run.rawOut, r.out);
+        EXPECT_EQ(run.err, r.err);
+    }
+
+    // A file written to standard output that cannot take it: the system's
+    // reason, exit 2.
+    const ToolRun full = runTool({QStringLiteral("convert"), file(QStringLiteral("in.xml"), xml), QStringLiteral("-"),
+                                  QStringLiteral("--to"), QStringLiteral("xml")},
+                                 QString(), nullptr, QStringLiteral("/dev/full"));
+    EXPECT_EQ(full.code, 2);
+    EXPECT_EQ(full.err, QStringLiteral("-: cannot write: No space left on device\n"));
+}
+
+TEST_F(ToolTest, HugeAndEndlessInputsAreRefusedByTheMaximumDocumentSize)
+{
+    // 3 GiB that take no room on disk, and a device without end.
+    const QString sparse = path(QStringLiteral("sparse.bin"));
+    {
+        QFile file(sparse);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(file.resize(qint64(3) << 30));
+    }
+    const QString limit = QStringLiteral("more than the maximum document size of 268435456 bytes\n");
+    const struct {
+        QStringList arguments;
+        QString err;
+    } runs[] = {
+        {{QStringLiteral("check"), sparse}, sparse + QStringLiteral(": error: the file holds 3221225472 bytes, ") + limit},
+        {{QStringLiteral("dump"), sparse}, sparse + QStringLiteral(": the file holds 3221225472 bytes, ") + limit},
+        {{QStringLiteral("convert"), sparse, path(QStringLiteral("out.xml"))},
+         sparse + QStringLiteral(": the file holds 3221225472 bytes, ") + limit},
+        {{QStringLiteral("check"), QStringLiteral("/dev/zero")}, QStringLiteral("/dev/zero: error: the input holds ") + limit},
+        {{QStringLiteral("check"), QStringLiteral("--max-size"), QStringLiteral("1K"), QStringLiteral("/dev/zero")},
+         QStringLiteral("/dev/zero: error: the input holds more than the maximum document size of 1024 bytes\n")},
+    };
+    for (const auto& r : runs) {
+        SCOPED_TRACE(r.arguments.join(QLatin1Char(' ')).toStdString());
+        QElapsedTimer timer;
+        timer.start();
+        const ToolRun run = runTool(r.arguments);
+        EXPECT_EQ(run.code, 1);
+        EXPECT_EQ(run.err, r.err);
+        // Before the limit: "empty file", and 9 s for 2 GB of /dev/zero.
+        EXPECT_LT(timer.elapsed(), 5000);
+    }
+    EXPECT_FALSE(QFile::exists(path(QStringLiteral("out.xml"))));
+}
+
+TEST_F(ToolTest, ConvertNeverDropsAValueWithoutSayingSo)
+{
+    // A name holding NUL: checked fine, kept exactly by the binary form,
+    // refused for XML with the object and the place of the character.
+    QByteArray nul = demoBinary();
+    nul.replace(QByteArray("Standard"), QByteArray("Std\0ardx", 8));
+    const QString nulBin = file(QStringLiteral("nul.bin"), nul);
+    ToolRun run = runTool({QStringLiteral("convert"), nulBin, path(QStringLiteral("nul.xml"))});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_EQ(run.err, nulBin + QStringLiteral(": DataOperationMode: Name holds U+0000 at character 4 (after \"Std\"), "
+                                               "which XML 1.0 cannot represent.\n"));
+    EXPECT_FALSE(QFile::exists(path(QStringLiteral("nul.xml"))));
+    run = runTool({QStringLiteral("convert"), nulBin, path(QStringLiteral("nul2.bin"))});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(readBytes(path(QStringLiteral("nul2.bin"))), nul);
+
+    // Without validation, members that are not set are written with their
+    // initial values.
+    const QString incomplete = file(QStringLiteral("incomplete.xml"),
+                                    "<TorviGuiModeSettings><DataOperationMode><GuiComponentSettings Name=\"C\"/>"
+                                    "</DataOperationMode></TorviGuiModeSettings>");
+    run = runTool({QStringLiteral("convert"), QStringLiteral("--no-validate"), incomplete, QStringLiteral("-"),
+                   QStringLiteral("--to"), QStringLiteral("xml")});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out, QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?><TorviGuiModeSettings>"
+                                      "<DataOperationMode Name=\"\"><GuiComponentSettings Name=\"C\"><GuiComponentUsage>"
+                                      "AVAILABLE</GuiComponentUsage><DockWidgetLocation>NoDockWidgetArea"
+                                      "</DockWidgetLocation></GuiComponentSettings></DataOperationMode>"
+                                      "<OperationModeHandler>TX470ManagementComponent</OperationModeHandler>"
+                                      "</TorviGuiModeSettings>\n"));
+
+    // Without validation, texts that name no value: refused with each
+    // object, member and text, nothing written. With validation the
+    // library's own message.
+    QString twoUnknown = demoXml;
+    twoUnknown.replace(QStringLiteral(">LeftDockWidgetArea<"), QStringLiteral(">LeftDock<"));
+    twoUnknown.replace(QStringLiteral(">PMR830ManagementComponent<"), QStringLiteral(">PMR830<"));
+    const QString xmlIn = file(QStringLiteral("unknown.xml"), twoUnknown.toUtf8());
+    QByteArray binary = demoBinary();
+    binary.replace(QByteArray("LeftDockWidgetArea"), QByteArray("LeftDockWidgetAreX"));
+    const QString binIn = file(QStringLiteral("unknown.bin"), binary);
+    const QString out = path(QStringLiteral("out.bin"));
+    const QString notWritten = out + QStringLiteral(": not written: %1 would be lost\n");
+    const QString overview =
+        QStringLiteral(": DataOperationMode 1 (\"Standard\"), GuiComponentSettings 1 (\"Overview\"): DockWidgetLocation ");
+    const QString cannot = QStringLiteral(" is no name of its enumeration and cannot be written back\n");
+    const struct {
+        QString in;
+        QString err;
+    } lost[] = {
+        {xmlIn, xmlIn + overview + QStringLiteral("\"LeftDock\" (line 1, column 208)") + cannot + xmlIn
+             + QStringLiteral(": TorviGuiModeSettings: OperationModeHandler \"PMR830\" (line 1, column 474)") + cannot
+             + notWritten.arg(QStringLiteral("2 values"))},
+        {binIn, binIn + overview + QStringLiteral("\"LeftDockWidgetAreX\" (offset 119)") + cannot
+             + notWritten.arg(QStringLiteral("1 value"))},
+    };
+    for (const auto& l : lost) {
+        run = runTool({QStringLiteral("convert"), QStringLiteral("--no-validate"), l.in, out});
+        EXPECT_EQ(run.code, 1);
+        EXPECT_EQ(run.err, l.err);
+        EXPECT_FALSE(QFile::exists(out));
+        run = runTool({QStringLiteral("convert"), l.in, out});
+        EXPECT_EQ(run.code, 1);
+        EXPECT_TRUE(run.err.endsWith(QStringLiteral(": enum is not valid (classname=GuiComponentSettings,"
+                                                    "membername=m_dockWidgetLocation)\n")))
+            << run.err.toStdString();
+    }
+}
+
+TEST_F(ToolTest, XmlErrorsAreReportedWhereTheyAre)
+{
+    const QByteArray declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+    QByteArray attributes = "<TorviGuiModeSettings><Unknown";
+    for (int i = 0; i < 100000; ++i)
+        attributes += " a" + QByteArray::number(i) + "=\"\"";
+    attributes += "/></TorviGuiModeSettings>";
+    QString bomb = QStringLiteral("<!ENTITY l0 \"QLS\">");
+    for (int i = 1; i <= 9; ++i)
+        bomb += QStringLiteral("<!ENTITY l%1 \"%2\">").arg(i).arg(QStringLiteral("&l%1;").arg(i - 1).repeated(10));
+    const struct {
+        const char* name;
+        QByteArray content;
+        QString err;
+    } faults[] = {
+        {"byte86.xml", declaration + "<TorviGuiModeSettings><DataOperationMode Name=\"\xFF\"/></TorviGuiModeSettings>",
+         QStringLiteral(":1:86: error: Encountered incorrectly encoded content.")},
+        {"byte318.xml",
+         declaration + "\n<TorviGuiModeSettings><DataOperationMode Name=\"" + QByteArray(270, 'x')
+             + "\xFE\"/></TorviGuiModeSettings>",
+         QStringLiteral(":2:318: error: Encountered incorrectly encoded content.")},
+        // The handler's text is cut at the entity limit; the broken document
+        // is what is reported, not the text the setter refuses.
+        {"laughs.xml",
+         (QStringLiteral("<!DOCTYPE TorviGuiModeSettings [") + bomb
+          + QStringLiteral("]><TorviGuiModeSettings><OperationModeHandler>&l9;</OperationModeHandler>"
+                           "</TorviGuiModeSettings>"))
+             .toUtf8(),
+         QStringLiteral(":1:595: error: Entity expands to more characters than the entity expansion limit.")},
+        // A limit the library measures before reading: reported at its
+        // place, and the document is not read again to find one (which took
+        // 47 s for this one).
+        {"attributes.xml", attributes, QStringLiteral(":1:23: error: the element has more than 1024 attributes")},
+    };
+    for (const auto& f : faults) {
+        const QString name = file(QString::fromLatin1(f.name), f.content);
+        QElapsedTimer timer;
+        timer.start();
+        const ToolRun run = runTool({QStringLiteral("check"), name});
+        EXPECT_EQ(run.code, 1) << f.name;
+        EXPECT_EQ(run.err, name + f.err + QLatin1Char('\n'));
+        EXPECT_LT(timer.elapsed(), 5000) << f.name;
+    }
 }
 
 TEST_F(ToolTest, NamesListsValuesNamesAndDisplayNames)
