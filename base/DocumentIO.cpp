@@ -61,6 +61,20 @@ bool ReadWholeDevice(QIODevice& device, qint64 maxSize, QByteArray& data, QStrin
     return true;
 }
 
+bool WriteAll(QIODevice& device, const QByteArray& bytes)
+{
+    // A write the system cuts short (a full disk, a file size limit) reports
+    // no reason; the next one fails at once and does.
+    qint64 written = 0;
+    while (written < bytes.size()) {
+        const qint64 step = device.write(bytes.constData() + written, bytes.size() - written);
+        if (step <= 0)
+            return false;
+        written += step;
+    }
+    return true;
+}
+
 bool WriteFileAtomically(const QString& path, const QByteArray& bytes, QString& problem)
 {
     QSaveFile file(path);
@@ -68,16 +82,7 @@ bool WriteFileAtomically(const QString& path, const QByteArray& bytes, QString& 
         problem = QStringLiteral("cannot open for writing: %1").arg(file.errorString());
         return false;
     }
-    // A write the system cuts short (a full disk, a file size limit) reports
-    // no reason; the next one fails at once and does.
-    qint64 written = 0;
-    while (written < bytes.size()) {
-        const qint64 step = file.write(bytes.constData() + written, bytes.size() - written);
-        if (step <= 0)
-            break;
-        written += step;
-    }
-    if (written != bytes.size() || !file.flush()) {
+    if (!WriteAll(file, bytes) || !file.flush()) {
         problem = QStringLiteral("cannot write: %1").arg(file.errorString());
         file.cancelWriting(); // the temporary file goes with the object
         return false;

@@ -1,5 +1,5 @@
-#ifndef REPORTGENERATOR_DOCUMENTIO_H
-#define REPORTGENERATOR_DOCUMENTIO_H
+#ifndef TORVIXML_DOCUMENTIO_H
+#define TORVIXML_DOCUMENTIO_H
 
 // Reading a whole document from a device without letting the device decide
 // how much memory that takes, and writing one so that a file is replaced
@@ -31,6 +31,11 @@ RGBASE_EXPORT QString SizeLimitMessage(const QString& what, qint64 size, qint64 
 /// read fails.
 RGBASE_EXPORT bool ReadWholeDevice(QIODevice& device, qint64 maxSize, QByteArray& data, QString& problem,
                                    bool* tooLarge = nullptr);
+
+/// Writes all bytes to an open device, going on after short writes.
+/// Returns false when a write fails; the device's errorString() then says
+/// why (a short write reports no reason of its own, the next one does).
+RGBASE_EXPORT bool WriteAll(QIODevice& device, const QByteArray& bytes);
 
 /// Writes bytes to path through QSaveFile: the file is replaced only when all
 /// of them were written and committed; otherwise it is left as it was, no

@@ -1,5 +1,5 @@
-#ifndef REPORTGENERATOR_XMLSCREEN_H
-#define REPORTGENERATOR_XMLSCREEN_H
+#ifndef TORVIXML_XMLSCREEN_H
+#define TORVIXML_XMLSCREEN_H
 
 // What the whole-document XML reads of IRGObject do before Qt's reader sees a
 // document: bound the costs that the reader would incur inside a single

@@ -482,15 +482,7 @@ bool writeOutput(const QString& path, const QByteArray& bytes, QString& message)
         message = QStringLiteral("cannot open for writing: %1").arg(file.errorString());
         return false;
     }
-    // A short write reports no reason; the next one does.
-    qint64 written = 0;
-    while (written < bytes.size()) {
-        const qint64 step = file.write(bytes.constData() + written, bytes.size() - written);
-        if (step <= 0)
-            break;
-        written += step;
-    }
-    if (written != bytes.size()) {
+    if (!REPORTGENERATOR::WriteAll(file, bytes)) {
         message = QStringLiteral("cannot write: %1").arg(file.errorString());
         return false;
     }
