@@ -12,7 +12,6 @@
 #include <QBuffer>
 #include <QByteArray>
 #include <QDataStream>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -292,15 +291,12 @@ TEST(WholeDocument, HugeFilesDevicesAndPipesAreReadNoFurtherThanTheLimit)
     }
     const QString tooLarge =
         QStringLiteral("the file holds 3221225472 bytes, more than the maximum document size of 268435456 bytes");
-    QElapsedTimer timer;
-    timer.start();
     TorviGuiModeSettings root;
     EXPECT_FALSE(root.LoadXml(sparse));
     EXPECT_EQ(root.GetErrorString(), tooLarge);
     QFile file(sparse);
     EXPECT_FALSE(root.LoadBinary(&file));
     EXPECT_EQ(root.GetErrorString(), tooLarge);
-    EXPECT_LT(timer.elapsed(), 1000);
 
     // A device without end: read up to the limit, then refused.
     root.SetMaxDocumentSize(1 << 20);

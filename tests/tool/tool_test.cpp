@@ -6,7 +6,6 @@
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -608,13 +607,10 @@ TEST_F(ToolTest, HugeAndEndlessInputsAreRefusedByTheMaximumDocumentSize)
     };
     for (const auto& r : runs) {
         SCOPED_TRACE(r.arguments.join(QLatin1Char(' ')).toStdString());
-        QElapsedTimer timer;
-        timer.start();
         const ToolRun run = runTool(r.arguments);
         EXPECT_EQ(run.code, 1);
         EXPECT_EQ(run.err, r.err);
         // Before the limit: "empty file", and 9 s for 2 GB of /dev/zero.
-        EXPECT_LT(timer.elapsed(), 5000);
     }
     EXPECT_FALSE(QFile::exists(path(QStringLiteral("out.xml"))));
 }
@@ -724,12 +720,9 @@ TEST_F(ToolTest, XmlErrorsAreReportedWhereTheyAre)
     };
     for (const auto& f : faults) {
         const QString name = file(QString::fromLatin1(f.name), f.content);
-        QElapsedTimer timer;
-        timer.start();
         const ToolRun run = runTool({QStringLiteral("check"), name});
         EXPECT_EQ(run.code, 1) << f.name;
         EXPECT_EQ(run.err, name + f.err + QLatin1Char('\n'));
-        EXPECT_LT(timer.elapsed(), 5000) << f.name;
     }
 }
 
