@@ -1,11 +1,8 @@
 #!/usr/bin/env bash
-# Sets everything up, builds, and runs the main job.
+# Sets everything up, builds, and runs the main job: the tool's demo, which
+# writes the example settings in both forms and reads them back.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
 BUILD_DIR=${BUILD_DIR:-build}
-if [ -x "$BUILD_DIR/tools/torvixml" ]; then
-  "$BUILD_DIR/tools/torvixml" demo "$BUILD_DIR/torvixml-demo"
-else
-  "$BUILD_DIR/examples/torvixml_example"
-fi
+"$BUILD_DIR/bin/torvixml" demo "$BUILD_DIR/torvixml-demo"
