@@ -25,12 +25,13 @@
 
 using namespace TORVIXML;
 using namespace TestSupport;
+namespace {
+const QString kUsageInvalid = EnumInvalid("GuiComponentSettings", "m_guiComponentUsage");
+const QString kLocationInvalid = EnumInvalid("GuiComponentSettings", "m_dockWidgetLocation");
+const QString kHandlerInvalid = EnumInvalid("TorviGuiModeSettings", "m_operationModeHandler");
+}
 using REPORTGENERATOR::IRGObject;
 
-inline void PrintTo(const QByteArray& bytes, std::ostream* os)
-{
-    *os << bytes.size() << " bytes: " << bytes.toHex(' ').toStdString();
-}
 
 namespace {
 

@@ -28,6 +28,11 @@ using G = TORVIXML::GuiComponentSettings;
 using M = TORVIXML::DataOperationMode;
 using R = TORVIXML::TorviGuiModeSettings;
 using namespace TestSupport;
+namespace {
+const QString kUsageInvalid = EnumInvalid("GuiComponentSettings", "m_guiComponentUsage");
+const QString kLocationInvalid = EnumInvalid("GuiComponentSettings", "m_dockWidgetLocation");
+const QString kHandlerInvalid = EnumInvalid("TorviGuiModeSettings", "m_operationModeHandler");
+}
 using std::as_const;
 
 

@@ -22,6 +22,11 @@
 
 using namespace TORVIXML;
 using namespace TestSupport;
+namespace {
+const QString kUsageInvalid = EnumInvalid("GuiComponentSettings", "m_guiComponentUsage");
+const QString kLocationInvalid = EnumInvalid("GuiComponentSettings", "m_dockWidgetLocation");
+const QString kHandlerInvalid = EnumInvalid("TorviGuiModeSettings", "m_operationModeHandler");
+}
 
 namespace {
 

@@ -22,6 +22,11 @@
 
 using namespace TORVIXML;
 using namespace TestSupport;
+namespace {
+const QString kUsageInvalid = EnumInvalid("GuiComponentSettings", "m_guiComponentUsage");
+const QString kLocationInvalid = EnumInvalid("GuiComponentSettings", "m_dockWidgetLocation");
+const QString kHandlerInvalid = EnumInvalid("TorviGuiModeSettings", "m_operationModeHandler");
+}
 using REPORTGENERATOR::IRGObject;
 using REPORTGENERATOR::Logger;
 
@@ -70,13 +75,6 @@ DataOperationMode StandardMode()
                            GuiComponentSettings::FloatingDockWidgetArea)});
 }
 
-TorviGuiModeSettings Example()
-{
-    TorviGuiModeSettings root;
-    root.SetOperationModeHandler(TorviGuiModeSettings::PMR830ManagementComponent);
-    root.AppendDataOperationMode(StandardMode());
-    return root;
-}
 
 // GetXml alone, on a writer with its default settings: no declaration.
 QString WriteXml(const IRGObject& object)
