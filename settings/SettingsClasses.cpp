@@ -4,6 +4,7 @@
 #include "GuiComponentSettingsData.h"
 #include "TorviGuiModeSettingsData.h"
 
+#include "MemberState.h"
 #include "MemberTable.h"
 
 namespace TORVIXML {
@@ -59,11 +60,76 @@ ClassDescription Describe()
     return description;
 }
 
+// The index of a class in SettingsClasses().
+template <typename Class>
+constexpr int ClassIndex();
+template <>
+constexpr int ClassIndex<TorviGuiModeSettings>()
+{
+    return 0;
+}
+template <>
+constexpr int ClassIndex<DataOperationMode>()
+{
+    return 1;
+}
+template <>
+constexpr int ClassIndex<GuiComponentSettings>()
+{
+    return 2;
+}
+
+template <typename Class>
+int Collect(const Class& object, QVector<ObjectValues>& tree);
+
+template <typename Class, typename Data, typename E>
+void ValueOf(MemberValue& value, const Class& object, const Framework::EnumMember<Data, E>& row, QVector<ObjectValues>&)
+{
+    value.value = Framework::Get(object, row);
+    value.text = Framework::ToName(object, row, E(value.value));
+}
+template <typename Class, typename Data>
+void ValueOf(MemberValue& value, const Class& object, const Framework::TextMember<Data>& row, QVector<ObjectValues>&)
+{
+    value.text = Framework::Get(object, row);
+}
+template <typename Class, typename Data, typename T>
+void ValueOf(MemberValue& value, const Class& object, const Framework::ListMember<Data, T>& row,
+             QVector<ObjectValues>& tree)
+{
+    for (const T& element : Framework::Get(object, row))
+        value.elements.append(Collect(element, tree));
+}
+
+// Appends the object and, after it, its list elements; returns its index.
+template <typename Class>
+int Collect(const Class& object, QVector<ObjectValues>& tree)
+{
+    const int index = tree.size();
+    tree.append(ObjectValues{ClassIndex<Class>(), {}});
+    QVector<MemberValue> members;
+    Framework::ForEachMember(Framework::Members<Class>::Rows(), [&](const auto& row) {
+        MemberValue value;
+        value.set = Framework::IsSet(object, row);
+        ValueOf(value, object, row, tree);
+        members.append(value);
+    });
+    tree[index].members = members;
+    return index;
+}
+
 } // namespace
 
 QVector<ClassDescription> SettingsClasses()
 {
     return {Describe<TorviGuiModeSettings>(), Describe<DataOperationMode>(), Describe<GuiComponentSettings>()};
+}
+
+QVector<ObjectValues> SettingsValues(const TorviGuiModeSettings& root)
+{
+    QVector<ObjectValues> tree;
+    Collect(root, tree);
+    return tree;
 }
 
 } // namespace TORVIXML

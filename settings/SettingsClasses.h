@@ -10,6 +10,8 @@
 
 namespace TORVIXML {
 
+class TorviGuiModeSettings;
+
 /// One member of a settings class as the stored forms show it.
 struct MemberDescription
 {
@@ -46,6 +48,34 @@ struct ClassDescription
 /// TorviGuiModeSettings, DataOperationMode and GuiComponentSettings, in
 /// this order, described from the tables that the library itself works with.
 TORVIXML_EXPORT QVector<ClassDescription> SettingsClasses();
+
+/// What one member of an object holds.
+struct MemberValue
+{
+    /// Whether the member is set; the values of a member that is not set
+    /// are its initial ones.
+    bool set = false;
+    /// A string's text, or the name of an enumeration's value (a null string
+    /// for a value that has no name).
+    QString text;
+    /// An enumeration's value.
+    qint32 value = 0;
+    /// A list's elements: their indexes among the objects of the tree.
+    QVector<int> elements;
+};
+
+/// One object of a settings tree: its class, as an index into
+/// SettingsClasses(), and one value per member of the class, in member order.
+struct ObjectValues
+{
+    int classIndex = 0;
+    QVector<MemberValue> members;
+};
+
+/// The objects of a tree with the values of their members, read through the
+/// same tables as the description: the root first, each list element after
+/// the object that holds it, depth first and in member order.
+TORVIXML_EXPORT QVector<ObjectValues> SettingsValues(const TorviGuiModeSettings& root);
 
 } // namespace TORVIXML
 
