@@ -175,7 +175,9 @@ qint64 Walker::walkObject(const ClassDescription& cls, qint64 pos, qint64 limit,
         return pos + 4;
     }
     qint64 objectEnd = pos + 4 + length;
-    line(pos, depth, QStringLiteral("%1object length %2 (to %3)").arg(prefix).arg(length).arg(objectEnd));
+    WalkLine frameLine{pos, depth, QStringLiteral("%1object length %2 (to %3)").arg(prefix).arg(length).arg(objectEnd)};
+    frameLine.object = cls.name;
+    m_sink(frameLine);
     if (objectEnd > limit) {
         error(pos, depth, QStringLiteral("object length %1 runs past the end of %2 at %3 by %4")
                               .arg(length).arg(limitName).arg(limit).arg(bytesText(objectEnd - limit)));
@@ -288,13 +290,7 @@ qint64 Walker::walkText(const MemberDescription& member, qint64 pos, qint64 end,
         QString text = QStringLiteral("text ") + quotedUtf8(bytes, &validUtf8);
         if (!validUtf8)
             text += QStringLiteral(" (not valid UTF-8)");
-        if (member.kind == MemberDescription::Enumeration) {
-            const int value = validUtf8 ? member.enumerationNames.indexOf(QString::fromUtf8(bytes)) : -1;
-            if (value >= 0)
-                text += QStringLiteral(" -> value %1").arg(value);
-            else
-                text += QStringLiteral(" (not a name of %1)").arg(member.name);
-        }
+        text += enumerationValueNote(member, QString::fromUtf8(bytes), validUtf8);
         WalkLine textLine{payloadEnd, depth, text};
         textLine.value = QString::fromUtf8(bytes);
         m_sink(textLine);
@@ -400,15 +396,6 @@ WalkSummary walkBinary(const QByteArray& plain, const std::function<void(const W
 {
     Walker walker(plain, sink);
     return walker.walkDocument();
-}
-
-QString formatWalkLine(const WalkLine& line)
-{
-    return QStringLiteral("%1  %2%3%4")
-        .arg(line.offset, 6)
-        .arg(QString(line.depth * 2, QLatin1Char(' ')))
-        .arg(line.error ? QStringLiteral("error: ") : QString())
-        .arg(line.text);
 }
 
 } // namespace TorviTool

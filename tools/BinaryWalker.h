@@ -57,6 +57,8 @@ struct WalkLine
     QString member;
     /// A text's line: the text (UTF-8 decoded).
     QString value;
+    /// The line of an object frame's length: the object's class.
+    QString object;
 };
 
 struct WalkSummary
@@ -70,9 +72,6 @@ struct WalkSummary
 /// member records of the class that id names (the root class when the id is
 /// unknown), down through the lists. Each field goes to sink as one line.
 WalkSummary walkBinary(const QByteArray& plain, const std::function<void(const WalkLine&)>& sink);
-
-/// "     0  " followed by the line's indentation and text.
-QString formatWalkLine(const WalkLine& line);
 
 } // namespace TorviTool
 

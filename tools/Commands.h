@@ -15,6 +15,7 @@ int runDemo(const QStringList& arguments);
 int runConvert(const QStringList& arguments);
 int runCheck(const QStringList& arguments);
 int runDump(const QStringList& arguments);
+int runDiff(const QStringList& arguments);
 int runNames(const QStringList& arguments);
 int runFormat(const QStringList& arguments);
 int runPreview(const QStringList& arguments);

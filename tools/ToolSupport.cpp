@@ -11,6 +11,8 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QHash>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTextStream>
 #include <QXmlStreamReader>
 
@@ -113,9 +115,9 @@ QString describeBinaryFailure(const QByteArray& data, qint64 maxSize, const QStr
     return reason;
 }
 
-using TORVIXML::DataOperationMode;
-using TORVIXML::GuiComponentSettings;
-using TORVIXML::TorviGuiModeSettings;
+using TORVIXML::ClassDescription;
+using TORVIXML::MemberDescription;
+using TORVIXML::ObjectValues;
 
 // An enumeration member that holds a value without a name. Read without
 // validation, that is what a text naming no value becomes; it would be
@@ -126,31 +128,25 @@ struct Nameless
     QString member;
 };
 
-QVector<Nameless> namelessValues(const TorviGuiModeSettings& root)
+// The members of the object tree[index] and of its list elements, in
+// document order; where names the object ("DataOperationMode 1 (\"Standard\")").
+void findNameless(const QVector<ObjectValues>& tree, int index, const QString& where, QVector<Nameless>& found)
 {
-    QVector<Nameless> found;
-    const QVector<DataOperationMode>& modes = root.GetDataOperationMode();
-    for (int m = 0; m < modes.size(); ++m) {
-        const DataOperationMode& mode = modes.at(m);
-        const QVector<GuiComponentSettings>& components = mode.GetGuiComponentSettings();
-        for (int c = 0; c < components.size(); ++c) {
-            const GuiComponentSettings& component = components.at(c);
-            const QString where = QStringLiteral("DataOperationMode %1 (%2), GuiComponentSettings %3 (%4)")
-                                      .arg(m + 1)
-                                      .arg(quoted(mode.GetName()))
-                                      .arg(c + 1)
-                                      .arg(quoted(component.GetName()));
-            if (component.IsGuiComponentUsageSet()
-                && component.GuiComponentUsageToName(component.GetGuiComponentUsage()).isNull())
-                found.append({where, QStringLiteral("GuiComponentUsage")});
-            if (component.IsDockWidgetLocationSet()
-                && component.DockWidgetLocationToName(component.GetDockWidgetLocation()).isNull())
-                found.append({where, QStringLiteral("DockWidgetLocation")});
+    const ObjectValues& object = tree[index];
+    const ClassDescription& cls = settingsClasses()[object.classIndex];
+    for (int m : membersInWriteOrder(cls)) {
+        const MemberDescription& member = cls.members[m];
+        const TORVIXML::MemberValue& value = object.members[m];
+        if (member.kind == MemberDescription::Enumeration && value.set && value.text.isNull())
+            found.append({where.isEmpty() ? cls.name : where, member.name});
+        for (int i = 0; i < value.elements.size(); ++i) {
+            const int element = value.elements[i];
+            QString name;
+            nameOf(tree[element], name);
+            const QString here = QStringLiteral("%1 %2 (%3)").arg(member.name).arg(i + 1).arg(quoted(name));
+            findNameless(tree, element, where.isEmpty() ? here : where + QStringLiteral(", ") + here, found);
         }
     }
-    if (root.IsOperationModeHandlerSet() && root.OperationModeHandlerToName(root.GetOperationModeHandler()).isNull())
-        found.append({QStringLiteral("TorviGuiModeSettings"), QStringLiteral("OperationModeHandler")});
-    return found;
 }
 
 // The texts of the input that name no value, per member in document order,
@@ -161,37 +157,33 @@ QHash<QString, QStringList> namelessTextsInXml(const QByteArray& data)
 {
     QHash<QString, QStringList> texts;
     QXmlStreamReader reader(data);
-    QStringList path;
+    // For each open element, the class of the object it is (null for a
+    // member's element and what the readers skip).
+    QVector<const ClassDescription*> open;
     while (!reader.atEnd()) {
         const QXmlStreamReader::TokenType token = reader.readNext();
-        if (token == QXmlStreamReader::EndElement && !path.isEmpty()) {
-            path.removeLast();
+        if (token == QXmlStreamReader::EndElement && !open.isEmpty()) {
+            open.removeLast();
             continue;
         }
         if (token != QXmlStreamReader::StartElement)
             continue;
-        path << reader.name().toString();
-        const QString& name = path.last();
-        QStringList names;
-        if (path.size() == 2 && name == QLatin1String("OperationModeHandler"))
-            names = TorviGuiModeSettings::GetOperationModeHandlers();
-        else if (path.size() == 4 && path.at(1) == QLatin1String("DataOperationMode")
-                 && path.at(2) == QLatin1String("GuiComponentSettings")
-                 && name == QLatin1String("GuiComponentUsage"))
-            names = GuiComponentSettings::GetGuiComponentUsages();
-        else if (path.size() == 4 && path.at(1) == QLatin1String("DataOperationMode")
-                 && path.at(2) == QLatin1String("GuiComponentSettings")
-                 && name == QLatin1String("DockWidgetLocation"))
-            names = GuiComponentSettings::GetDockWidgetLocations();
-        else
+        const QString name = reader.name().toString();
+        if (open.isEmpty()) {
+            open << (name == settingsClasses().first().name ? &settingsClasses().first() : nullptr);
             continue;
+        }
+        const int index = open.last() ? memberIndex(*open.last(), name) : -1;
+        const MemberDescription* member = index < 0 ? nullptr : &open.last()->members[index];
+        if (!member || member->kind != MemberDescription::Enumeration) {
+            open << (member && member->kind == MemberDescription::List ? settingsClass(name) : nullptr);
+            continue;
+        }
         const qint64 line = reader.lineNumber();
         const qint64 column = reader.columnNumber() + 1;
-        const QString member = name;
         const QString text = reader.readElementText(QXmlStreamReader::SkipChildElements);
-        path.removeLast();
-        if (!names.contains(text))
-            texts[member] << QStringLiteral("%1 (line %2, column %3)").arg(quoted(text)).arg(line).arg(column);
+        if (!member->enumerationNames.contains(text))
+            texts[name] << QStringLiteral("%1 (line %2, column %3)").arg(quoted(text)).arg(line).arg(column);
     }
     return texts;
 }
@@ -220,6 +212,69 @@ QHash<QString, QStringList> namelessTextsInBinary(const QByteArray& data, qint64
 }
 
 } // namespace
+
+QVector<int> membersInWriteOrder(const ClassDescription& cls)
+{
+    QVector<int> order(cls.members.size());
+    for (int i = 0; i < cls.members.size(); ++i)
+        order[cls.members[i].writeOrder] = i;
+    return order;
+}
+
+int memberIndex(const ClassDescription& cls, const QString& name)
+{
+    for (int i = 0; i < cls.members.size(); ++i) {
+        if (cls.members[i].name == name)
+            return i;
+    }
+    return -1;
+}
+
+bool nameOf(const ObjectValues& object, QString& name)
+{
+    const int member = memberIndex(settingsClasses()[object.classIndex], QStringLiteral("Name"));
+    if (member < 0 || !object.members[member].set)
+        return false;
+    name = object.members[member].text;
+    return true;
+}
+
+QString enumerationValueNote(const MemberDescription& member, const QString& text, bool validText)
+{
+    if (member.kind != MemberDescription::Enumeration)
+        return QString();
+    const int value = validText ? member.enumerationNames.indexOf(text) : -1;
+    return value >= 0 ? QStringLiteral(" -> value %1").arg(value) : QStringLiteral(" (not a name of %1)").arg(member.name);
+}
+
+QString pathSegment(const QString& className, bool byName, const QString& name, int position)
+{
+    return byName ? QStringLiteral("%1[Name=%2]").arg(className, quoted(name))
+                  : QStringLiteral("%1[%2]").arg(className).arg(position);
+}
+
+QString Place::text() const
+{
+    if (line > 0)
+        return QStringLiteral("%1:%2").arg(line).arg(column);
+    return offset >= 0 ? QStringLiteral("offset %1").arg(offset) : QString();
+}
+
+void Place::addTo(QJsonObject& object) const
+{
+    if (line > 0) {
+        object.insert(QStringLiteral("line"), line);
+        object.insert(QStringLiteral("column"), column);
+    } else if (offset >= 0) {
+        object.insert(QStringLiteral("offset"), offset);
+    }
+}
+
+void printJson(const QJsonObject& object)
+{
+    out() << QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented));
+    out().flush();
+}
 
 QTextStream& out()
 {
@@ -443,30 +498,41 @@ int loadDocument(const QString& path, TORVIXML::TorviGuiModeSettings& root, bool
     }
 }
 
-bool reportNamelessValues(const QString& input, const QString& output, const TORVIXML::TorviGuiModeSettings& settings,
-                          const QByteArray& data, qint64 maxSize)
+QStringList namelessValues(const TORVIXML::TorviGuiModeSettings& settings, const QByteArray& data, qint64 maxSize)
 {
-    // Read without validation, a text that names no value becomes a value
-    // without a name; say which, with the text where it can be found.
-    const QVector<Nameless> nameless = namelessValues(settings);
+    QVector<Nameless> nameless;
+    findNameless(TORVIXML::SettingsValues(settings), 0, QString(), nameless);
     if (nameless.isEmpty())
-        return false;
+        return QStringList();
+    // The texts of the input, with their places, when there are as many of
+    // them as values without a name.
     const QHash<QString, QStringList> texts =
         detectForm(data) == DocumentForm::Xml ? namelessTextsInXml(data) : namelessTextsInBinary(data, maxSize);
     QHash<QString, int> count;
     for (const Nameless& value : nameless)
         ++count[value.member];
     QHash<QString, int> next;
+    QStringList messages;
     for (const Nameless& value : nameless) {
         const QStringList& found = texts.value(value.member);
         const QString text =
             found.size() == count.value(value.member) ? QLatin1Char(' ') + found.at(next[value.member]++) : QString();
-        reportFileError(input, QStringLiteral("%1: %2%3 is no name of its enumeration and cannot be written back")
-                                   .arg(value.where, value.member, text));
+        messages << QStringLiteral("%1: %2%3 is no name of its enumeration").arg(value.where, value.member, text);
     }
+    return messages;
+}
+
+bool reportNamelessValues(const QString& input, const QString& output, const TORVIXML::TorviGuiModeSettings& settings,
+                          const QByteArray& data, qint64 maxSize)
+{
+    const QStringList messages = namelessValues(settings, data, maxSize);
+    if (messages.isEmpty())
+        return false;
+    for (const QString& message : messages)
+        reportFileError(input, message + QStringLiteral(" and cannot be written back"));
     reportFileError(output, QStringLiteral("not written: %1 %2 would be lost")
-                                .arg(nameless.size())
-                                .arg(nameless.size() == 1 ? QStringLiteral("value") : QStringLiteral("values")));
+                                .arg(messages.size())
+                                .arg(messages.size() == 1 ? QStringLiteral("value") : QStringLiteral("values")));
     return true;
 }
 

@@ -7,16 +7,19 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 class QCommandLineOption;
 class QCommandLineParser;
+class QJsonObject;
 class QTextStream;
 
 namespace TORVIXML {
 class TorviGuiModeSettings;
 struct ClassDescription;
 struct MemberDescription;
+struct ObjectValues;
 }
 
 namespace TorviTool {
@@ -32,6 +35,44 @@ enum ExitCode {
 const QVector<TORVIXML::ClassDescription>& settingsClasses();
 /// The class of that name, or null.
 const TORVIXML::ClassDescription* settingsClass(const QString& name);
+
+/// The indexes of a class's members in the order both stored forms write
+/// them.
+QVector<int> membersInWriteOrder(const TORVIXML::ClassDescription& cls);
+/// The index of the class's member of that name, or -1.
+int memberIndex(const TORVIXML::ClassDescription& cls, const QString& name);
+/// Whether an object has its Name member set, and the name it holds.
+bool nameOf(const TORVIXML::ObjectValues& object, QString& name);
+
+/// How an enumeration member reads a text: " -> value N", or " (not a name
+/// of MEMBER)" (always so when the text is not one that could be a name);
+/// empty for other members.
+QString enumerationValueNote(const TORVIXML::MemberDescription& member, const QString& text, bool validText = true);
+
+/// A list element's step in an object path: "DataOperationMode[Name=\"Standard\"]"
+/// when byName, else "DataOperationMode[2]" (its position, from 1).
+QString pathSegment(const QString& className, bool byName, const QString& name, int position);
+
+/// Where a diagnostic or a line of a dump points: a line and column of an
+/// XML document, an offset of a binary one (of the inflated bytes for a
+/// compressed one), or the file as a whole.
+struct Place
+{
+    qint64 line = 0;
+    qint64 column = 0;
+    qint64 offset = -1;
+
+    static Place at(qint64 line, qint64 column) { return Place{line, column, -1}; }
+    static Place atOffset(qint64 offset) { return Place{0, 0, offset}; }
+    bool isEmpty() const { return line <= 0 && offset < 0; }
+    /// "3:7", "offset 40", or empty.
+    QString text() const;
+    /// Adds "line" and "column", or "offset", to a JSON object.
+    void addTo(QJsonObject& object) const;
+};
+
+/// Prints the object as an indented JSON document on standard output.
+void printJson(const QJsonObject& object);
 
 /// Standard output and standard error, both UTF-8.
 QTextStream& out();
@@ -89,10 +130,14 @@ int loadDocument(const QString& path, TORVIXML::TorviGuiModeSettings& root, bool
                  QString& message, QByteArray* data = nullptr);
 
 /// Without validation a text that names no value of its enumeration is read
-/// as a value without a name, which would be written as an empty text. When
-/// settings hold such values, reports each (object, member, and the text of
-/// the input with its place where it can be found) and that output was not
-/// written, and returns true.
+/// as a value without a name, which would be written as an empty text. Says
+/// for each such value where it is: "OBJECT: MEMBER \"TEXT\" (PLACE) is no
+/// name of its enumeration", with the text of the input and its place where
+/// they can be found.
+QStringList namelessValues(const TORVIXML::TorviGuiModeSettings& settings, const QByteArray& data, qint64 maxSize);
+
+/// When settings hold values without a name (see namelessValues), reports
+/// each and that output was not written, and returns true.
 bool reportNamelessValues(const QString& input, const QString& output, const TORVIXML::TorviGuiModeSettings& settings,
                           const QByteArray& data, qint64 maxSize);
 

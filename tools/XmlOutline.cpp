@@ -12,11 +12,11 @@ bool isObjectElement(const QString& name)
     return settingsClass(name) != nullptr;
 }
 
-XmlOutline outlineXml(const QByteArray& document)
+XmlOutline walkXml(const QByteArray& document, const XmlVisitor& visit)
 {
     XmlOutline outline;
     QXmlStreamReader reader(document);
-    int open = -1;
+    QVector<XmlElement> open;
     // For each open element, how many children of each name it has so far.
     QVector<QHash<QString, int>> childCounts{QHash<QString, int>()};
     // Where the token being read began: where the one before it ended.
@@ -28,8 +28,7 @@ XmlOutline outlineXml(const QByteArray& document)
         if (token == QXmlStreamReader::StartElement) {
             XmlElement element;
             element.name = reader.name().toString();
-            element.parent = open;
-            element.depth = open < 0 ? 0 : outline.elements[open].depth + 1;
+            element.depth = open.size();
             element.line = line;
             element.column = column;
             element.start = offset;
@@ -39,27 +38,27 @@ XmlOutline outlineXml(const QByteArray& document)
                 element.hasName = true;
                 element.objectName = attributes.value(QStringLiteral("Name")).toString();
             }
-            if (open >= 0) {
-                outline.elements[open].hasText = false;
-                outline.elements[open].text.clear();
+            if (!open.isEmpty()) {
+                open.last().hasText = false;
+                open.last().text.clear();
             }
             element.position = ++childCounts.last()[element.name];
             childCounts.append(QHash<QString, int>());
-            outline.elements.append(element);
-            open = outline.elements.size() - 1;
-        } else if (token == QXmlStreamReader::Characters && open >= 0 && outline.elements[open].hasText) {
-            outline.elements[open].text += reader.text();
-        } else if (token == QXmlStreamReader::EndElement && open >= 0) {
-            XmlElement& element = outline.elements[open];
+            open.append(element);
+            visit(open, true);
+        } else if (token == QXmlStreamReader::Characters && !open.isEmpty() && open.last().hasText) {
+            open.last().text += reader.text();
+        } else if (token == QXmlStreamReader::EndElement && !open.isEmpty()) {
+            XmlElement& element = open.last();
             element.end = reader.characterOffset();
-            const int parent = element.parent;
             // A name given as a child element, as hand-written documents have it.
-            if (element.name == QLatin1String("Name") && element.hasText && parent >= 0
-                && !outline.elements[parent].hasName) {
-                outline.elements[parent].hasName = true;
-                outline.elements[parent].objectName = element.text;
+            if (element.name == QLatin1String("Name") && element.hasText && open.size() > 1
+                && !open[open.size() - 2].hasName) {
+                open[open.size() - 2].hasName = true;
+                open[open.size() - 2].objectName = element.text;
             }
-            open = parent;
+            visit(open, false);
+            open.removeLast();
             childCounts.removeLast();
         }
         // A text other than CDATA ends where the reader met the next '<',
@@ -82,6 +81,33 @@ XmlOutline outlineXml(const QByteArray& document)
         outline.errorColumn = reader.columnNumber() + 1;
         outline.error = reader.errorString();
     }
+    return outline;
+}
+
+XmlOutline outlineXml(const QByteArray& document)
+{
+    QVector<XmlElement> elements;
+    // The indexes of the open elements.
+    QVector<int> open;
+    XmlOutline outline = walkXml(document, [&](const QVector<XmlElement>& path, bool started) {
+        if (started) {
+            elements.append(path.last());
+            elements.last().parent = open.isEmpty() ? -1 : open.last();
+            open.append(elements.size() - 1);
+            if (elements.last().parent >= 0)
+                elements[elements.last().parent].hasText = false;
+            return;
+        }
+        XmlElement& element = elements[open.takeLast()];
+        const int parent = element.parent;
+        element = path.last();
+        element.parent = parent;
+        if (parent >= 0) {
+            elements[parent].hasName = path[path.size() - 2].hasName;
+            elements[parent].objectName = path[path.size() - 2].objectName;
+        }
+    });
+    outline.elements = elements;
     return outline;
 }
 
@@ -125,8 +151,7 @@ QString XmlOutline::objectPath(int element) const
             int sameName = 0;
             for (int sibling : children(e.parent, e.name))
                 sameName += elements[sibling].hasName && elements[sibling].objectName == e.objectName ? 1 : 0;
-            segment += e.hasName && sameName == 1 ? QStringLiteral("[Name=%1]").arg(quoted(e.objectName))
-                                                  : QStringLiteral("[%1]").arg(e.position);
+            segment = pathSegment(e.name, e.hasName && sameName == 1, e.objectName, e.position);
         }
         path = path.isEmpty() ? segment : segment + QLatin1Char('/') + path;
     }

@@ -9,6 +9,8 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
+
 namespace TorviTool {
 
 struct XmlElement
@@ -52,6 +54,17 @@ struct XmlOutline
 
 /// Reads the whole document; stops at the first error of the XML.
 XmlOutline outlineXml(const QByteArray& document);
+
+/// What walkXml() shows of each element: the open elements from the
+/// document element down to it (their parent fields are not filled in), and
+/// whether its start tag (name, place, position, Name attribute known) or
+/// its end tag (text and end known too) was just read.
+using XmlVisitor = std::function<void(const QVector<XmlElement>& open, bool started)>;
+
+/// Reads the document element by element, keeping only the open ones, and
+/// returns an outline without elements that tells whether the document is
+/// well-formed and where not; stops at the first error of the XML.
+XmlOutline walkXml(const QByteArray& document, const XmlVisitor& visit);
 
 /// Whether the element name is that of a settings class.
 bool isObjectElement(const QString& name);

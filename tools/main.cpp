@@ -25,7 +25,9 @@ const char* const description =
     "  convert IN OUT    Convert between XML (.xml) and binary (.bin) documents.\n"
     "  check FILE...     Check documents; errors with line and column (XML) or\n"
     "                    offset (binary), notes with path, value and hint.\n"
-    "  dump FILE         Annotated walk over a binary document.\n"
+    "  dump FILE         Annotated walk over a binary document, or the outline of\n"
+    "                    an XML one, with offsets or lines.\n"
+    "  diff A B          Compare two documents member by member.\n"
     "  format FILE       Write a document as indented XML.\n"
     "  names             List the enumeration values with names and display names.\n"
     "  preview FILE MODE -o PNG\n"
@@ -33,9 +35,10 @@ const char* const description =
     "\n"
     "Inputs may be files, pipes or devices, and - for standard input; convert\n"
     "writes to standard output for OUT -. Documents larger than --max-size\n"
-    "(default 256M) are refused.\n"
+    "(default 256M) are refused. check, dump and diff print JSON with --json.\n"
     "'torvixml COMMAND --help' describes a command's options.\n"
-    "Exit status: 0 success, 1 invalid input, 2 usage or I/O error.";
+    "Exit status: 0 success, 1 invalid input, 2 usage or I/O error; diff: 0 equal,\n"
+    "1 different, 2 error.";
 
 int runCommand(const QString& command, const QStringList& arguments)
 {
@@ -47,6 +50,8 @@ int runCommand(const QString& command, const QStringList& arguments)
         return runCheck(arguments);
     if (command == QLatin1String("dump"))
         return runDump(arguments);
+    if (command == QLatin1String("diff"))
+        return runDiff(arguments);
     if (command == QLatin1String("format"))
         return runFormat(arguments);
     if (command == QLatin1String("names"))
