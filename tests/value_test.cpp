@@ -50,6 +50,7 @@ struct Class<G> {
         noUsage.ResetGuiComponentUsage();
         return {nullName, noDock, noUsage, Component(nullptr)};
     }
+    using Refusal = OutOfRangeException;
     static void Refused(G& g) { g.SetDockWidgetLocation(G::DockWidgetLocation(7)); }
     static QString RefusedMessage() { return EnumInvalid("GuiComponentSettings", "m_dockWidgetLocation"); }
 };
@@ -62,6 +63,7 @@ struct Class<M> {
     static void Change(M& m) { m.GetGuiComponentSettings()[0].SetName(Q("Changed")); }
     static constexpr const char* firstMissing = "Name";
     static std::vector<M> Partial() { return {Mode(nullptr, {Component("A")})}; }
+    using Refusal = IncompleteDefinitionException;
     static void Refused(M& m) { m.AppendGuiComponentSettings(G()); }
     static QString RefusedMessage() { return IncompleteAppend("DataOperationMode", "GuiComponentSettings"); }
 };
@@ -74,6 +76,7 @@ struct Class<R> {
     static void Change(R& r) { r.GetDataOperationMode()[0].GetGuiComponentSettings()[1].SetName(Q("Changed")); }
     static constexpr const char* firstMissing = "OperationModeHandler";
     static std::vector<R> Partial() { return {Root(kNoHandler, {Mode("A")})}; }
+    using Refusal = IncompleteDefinitionException;
     static void Refused(R& r) { r.AppendDataOperationMode(M()); }
     static QString RefusedMessage() { return IncompleteAppend("TorviGuiModeSettings", "DataOperationMode"); }
 };
@@ -176,7 +179,7 @@ TYPED_TEST(SettingsValue, AssignmentKeepsTheTargetsFlagAndLogger)
         Class<TypeParam>::Change(source);
         EXPECT_TRUE(target == Class<TypeParam>::Full());
         // The target's own flag rules what it accepts afterwards.
-        EXPECT_EQ(MessageOf<ReportException>([&] { Class<TypeParam>::Refused(target); }),
+        EXPECT_EQ(MessageOf<typename Class<TypeParam>::Refusal>([&] { Class<TypeParam>::Refused(target); }),
                   Class<TypeParam>::RefusedMessage());
         // An object that is not initialised de-initialises the target.
         target = TypeParam();
