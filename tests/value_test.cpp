@@ -11,11 +11,11 @@
 #include <QDateTime>
 #include <QStringList>
 
+#include <climits>
 #include <cmath>
 #include <functional>
 #include <limits>
 #include <memory>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -231,7 +231,6 @@ TYPED_TEST(SettingsValue, CheckNamesTheFirstMissingMemberAndFailuresAreReportExc
 // The accessors of one enumeration member.
 template <typename O, typename V>
 struct Enumeration {
-    using Owner = O;
     const char* field;
     QStringList (*names)();
     QStringList (*guiNames)();
@@ -268,30 +267,11 @@ const Enumeration<R, R::OperationModeHandler> kHandler{
     &R::GetDefaultOperationModeHandler, &R::GetOperationModeHandler, &R::GetOperationModeHandlerAsString,
     &R::SetOperationModeHandler, &R::OperationModeHandlerToName, &R::NameToOperationModeHandler};
 
-template <typename E>
-class EnumerationMember : public ::testing::Test
-{
-public:
-    static const E& e;
-};
-template <>
-const Enumeration<G, G::GuiComponentUsage>& EnumerationMember<Enumeration<G, G::GuiComponentUsage>>::e = kUsage;
-template <>
-const Enumeration<G, G::DockWidgetLocation>& EnumerationMember<Enumeration<G, G::DockWidgetLocation>>::e = kDock;
-template <>
-const Enumeration<R, R::OperationModeHandler>& EnumerationMember<Enumeration<R, R::OperationModeHandler>>::e =
-    kHandler;
-using EnumerationMembers = ::testing::Types<Enumeration<G, G::GuiComponentUsage>,
-                                            Enumeration<G, G::DockWidgetLocation>,
-                                            Enumeration<R, R::OperationModeHandler>>;
-TYPED_TEST_SUITE(EnumerationMember, EnumerationMembers);
-
 // The names themselves are pinned by the class descriptions' golden file.
-TYPED_TEST(EnumerationMember, NamesAndValuesConvertBothWaysAndOnlyExactNamesAreKnown)
+template <typename O, typename V>
+void CheckEnumeration(const Enumeration<O, V>& e)
 {
-    const auto& e = this->e;
-    using V = std::decay_t<decltype((std::declval<typename TypeParam::Owner>().*e.get)())>;
-    const typename TypeParam::Owner o;
+    const O o;
     const QStringList names = e.names();
     const int count = names.size();
     EXPECT_EQ(e.guiNames(), names); // no translator installed
@@ -312,71 +292,74 @@ TYPED_TEST(EnumerationMember, NamesAndValuesConvertBothWaysAndOnlyExactNamesAreK
     EXPECT_EQ((o.*e.nameTo)(QString()), -1);
     // Finding a known name leaves a new object alone; every other read
     // initialises it without marking anything set.
-    const typename TypeParam::Owner untouched;
+    const O untouched;
     (untouched.*e.nameTo)(names[0]);
     EXPECT_FALSE(untouched.IsInitialized());
     EXPECT_TRUE(o.IsInitialized());
     EXPECT_FALSE(o.AnyData());
-
     // The unknown-name answer is the object's own invalid value.
-    typename TypeParam::Owner own;
+    O own;
     (own.*e.setInvalid)(V(42));
     EXPECT_EQ((own.*e.getInvalid)(), 42);
     EXPECT_EQ((own.*e.nameTo)(Q("unknown")), 42);
     EXPECT_FALSE((own.*e.isValid)(V(42)));
-
     // A returned list is a copy.
     QStringList changed = e.names();
     changed[0] = Q("Changed");
     EXPECT_EQ(e.names(), names);
-}
 
-TYPED_TEST(EnumerationMember, SettersResetsAndDefaults)
-{
-    const auto& e = this->e;
-    using V = std::decay_t<decltype((std::declval<typename TypeParam::Owner>().*e.get)())>;
-    const int count = e.names().size();
-    typename TypeParam::Owner o;
-    EXPECT_EQ((o.*e.get)(), (o.*e.getDefault)());
-    EXPECT_EQ((o.*e.getInvalid)(), -1);
-    EXPECT_FALSE((o.*e.isSet)());
-    EXPECT_EQ((o.*e.asString)(), e.names()[(o.*e.getDefault)()]);
-
-    (o.*e.set)(V(count - 1));
-    EXPECT_EQ((o.*e.get)(), count - 1);
-    EXPECT_TRUE((o.*e.isSet)());
-    EXPECT_EQ((o.*e.asString)(), e.names()[count - 1]);
+    // Setters, resets and defaults.
+    O s;
+    EXPECT_EQ((s.*e.get)(), (s.*e.getDefault)());
+    EXPECT_EQ((s.*e.getInvalid)(), -1);
+    EXPECT_FALSE((s.*e.isSet)());
+    EXPECT_EQ((s.*e.asString)(), names[(s.*e.getDefault)()]);
+    (s.*e.set)(V(count - 1));
+    EXPECT_EQ((s.*e.get)(), count - 1);
+    EXPECT_TRUE((s.*e.isSet)());
+    EXPECT_EQ((s.*e.asString)(), names[count - 1]);
     // A new default changes neither value nor flag; the member reset uses it.
-    (o.*e.setDefault)(V(1));
-    EXPECT_EQ((o.*e.getDefault)(), 1);
-    EXPECT_EQ((o.*e.get)(), count - 1);
-    (o.*e.reset)();
-    EXPECT_EQ((o.*e.get)(), 1);
-    EXPECT_FALSE((o.*e.isSet)());
-    o.ResetToDefault();
-    EXPECT_EQ((o.*e.get)(), 1);
-    EXPECT_TRUE((o.*e.isSet)());
-
+    (s.*e.setDefault)(V(1));
+    EXPECT_EQ((s.*e.getDefault)(), 1);
+    EXPECT_EQ((s.*e.get)(), count - 1);
+    (s.*e.reset)();
+    EXPECT_EQ((s.*e.get)(), 1);
+    EXPECT_FALSE((s.*e.isSet)());
+    s.ResetToDefault();
+    EXPECT_EQ((s.*e.get)(), 1);
+    EXPECT_TRUE((s.*e.isSet)());
     // Outside validation mode anything is stored and marked set.
-    (o.*e.set)(V(count));
-    EXPECT_EQ((o.*e.get)(), count);
-    EXPECT_TRUE((o.*e.asString)().isNull());
+    (s.*e.set)(V(count));
+    EXPECT_EQ((s.*e.get)(), count);
+    EXPECT_TRUE((s.*e.asString)().isNull());
     // In validation mode a value out of range is refused and nothing changes.
-    (o.*e.set)(V(0));
-    o.SetValidate(true);
+    (s.*e.set)(V(0));
+    s.SetValidate(true);
     for (const int bad : {-1, count}) {
-        EXPECT_EQ(MessageOf<OutOfRangeException>([&] { (o.*e.set)(V(bad)); }),
-                  EnumInvalid(Class<typename TypeParam::Owner>::name, e.field));
-        EXPECT_EQ((o.*e.get)(), 0);
+        EXPECT_EQ(MessageOf<OutOfRangeException>([&] { (s.*e.set)(V(bad)); }), EnumInvalid(Class<O>::name, e.field));
+        EXPECT_EQ((s.*e.get)(), 0);
     }
     // Out-of-range defaults are skipped silently, even in validation mode,
     // and leave the member unset.
-    typename TypeParam::Owner v;
+    O v;
     v.SetValidate(true);
     (v.*e.setDefault)(V(count));
     EXPECT_NO_THROW(v.ResetToDefault());
     EXPECT_EQ((v.*e.get)(), count);
     EXPECT_FALSE((v.*e.isSet)());
+}
+
+TEST(EnumerationMember, GuiComponentUsage)
+{
+    CheckEnumeration(kUsage);
+}
+TEST(EnumerationMember, DockWidgetLocation)
+{
+    CheckEnumeration(kDock);
+}
+TEST(EnumerationMember, OperationModeHandler)
+{
+    CheckEnumeration(kHandler);
 }
 
 // ---- names ------------------------------------------------------------------
@@ -578,16 +561,9 @@ TEST(BaseValidity, EveryTypeHasItsInvalidValue)
     float f = 0;
     double d = 0;
     QString s = Q("");
-    base.SetInvalid(i);
-    base.SetInvalid(u);
-    base.SetInvalid(ll);
-    base.SetInvalid(f);
-    base.SetInvalid(d);
+    base.SetInvalid(i), base.SetInvalid(u), base.SetInvalid(ll), base.SetInvalid(f), base.SetInvalid(d);
     base.SetInvalid(s);
-    EXPECT_EQ(i, std::numeric_limits<int>::min());
-    EXPECT_EQ(u, std::numeric_limits<unsigned int>::max());
-    EXPECT_EQ(ll, std::numeric_limits<long long>::min());
-    EXPECT_TRUE(std::isnan(f) && std::isnan(d) && s.isNull());
+    EXPECT_TRUE(i == INT_MIN && u == UINT_MAX && ll == LLONG_MIN && std::isnan(f) && std::isnan(d) && s.isNull());
     EXPECT_FALSE(base.IsValid(i) || base.IsValid(u) || base.IsValid(ll) || base.IsValid(f) || base.IsValid(d)
                  || base.IsValid(s) || base.IsValid(QDateTime()));
     EXPECT_TRUE(base.IsValid(i + 1) && base.IsValid(u - 1) && base.IsValid(ll + 1) && base.IsValid(0.0f)
