@@ -1,18 +1,24 @@
-// The XML form: the writer's exact output (golden documents in
-// tests/data/xml), what the reader makes of documents
-// (tests/data/xml/read-cases.txt), what validation mode refuses to write,
-// files, and the flag and logger of what was read.
+// The XML form and the whole-document operations that every form shares:
+// the writer's exact output (golden documents in tests/data/xml), what the
+// reader makes of documents (tests/data/xml/read-cases.txt), files, the
+// flag and logger of what was read; reads in every form replace the content
+// or change nothing and say why, within the maximum document size, and no
+// form is written without characters it cannot hold.
 
 #include "TestSupport.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
+#include <sys/stat.h>
+
 #include <functional>
 #include <memory>
+#include <thread>
 
 using namespace TestSupport;
 using REPORTGENERATOR::Logger;
@@ -75,6 +81,41 @@ QByteArray Contents(const QString& path)
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
+
+// One whole-document read of bytes into root; a file form writes them into
+// file first, and two forms read a device opened before, behind other
+// bytes. Forms are of three kinds: xml, array (a binary document whole) and
+// stream. Beyond the maximum document size "<holder> holds ..." says why.
+struct Form
+{
+    const char* name;
+    const char* kind;
+    const char* holder;
+    std::function<bool(R& root, const QByteArray& bytes, const QString& file)> read;
+};
+const Form kForms[] = {
+    {"SetXmlString", "xml", "the text",
+     [](R& r, const QByteArray& b, const QString&) { return r.SetXmlString(QString::fromUtf8(b), true); }},
+    {"LoadXml(QString)", "xml", "the file",
+     [](R& r, const QByteArray& b, const QString& f) { return WriteFile(f, b) && r.LoadXml(f); }},
+    {"LoadXml(QFile*)", "xml", "the file",
+     [](R& r, const QByteArray& b, const QString& f) { QFile file(f); return WriteFile(f, b) && r.LoadXml(&file); }},
+    {"LoadXml(QIODevice*) from its position", "xml", "the document",
+     [](R& r, const QByteArray& b, const QString&) {
+         QBuffer buffer;
+         buffer.setData("junk" + b);
+         return buffer.open(QIODevice::ReadOnly) && buffer.seek(4) && r.LoadXml(&buffer);
+     }},
+    {"SetBinaryRepresentation(QByteArray&)", "array", "the document",
+     [](R& r, const QByteArray& b, const QString&) { QByteArray data(b); return r.SetBinaryRepresentation(data); }},
+    {"SetBinaryRepresentation(QDataStream&)", "stream", "the document",
+     [](R& r, const QByteArray& b, const QString&) { QDataStream in(b); return r.SetBinaryRepresentation(in); }},
+    {"LoadBinary from the file's position", "array", "the file",
+     [](R& r, const QByteArray& b, const QString& f) {
+         QFile file(f);
+         return WriteFile(f, "junk" + b) && file.open(QIODevice::ReadOnly) && file.seek(4) && r.LoadBinary(&file);
+     }},
+};
 
 } // namespace
 
@@ -312,4 +353,181 @@ TEST(XmlReader, EveryChildReappliesFlagAndLoggerThroughTheVirtualOperations)
               Q("V L GuiComponentSettings V L Name V L Extra V L"));
     EXPECT_EQ(Outline(mode), "'M'*['c'*(0*,2*)]*");
     EXPECT_EQ(mode.GetGuiComponentSettings().at(0).GetLogger(), mode.own);
+}
+
+TEST(WholeDocument, EveryFormReplacesTheContentOrChangesNothingAndSaysWhy)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString file = dir.filePath(Q("d"));
+    const QByteArray xml = ReadData(Q("xml/example.xml")), binary = Example().GetBinaryRepresentationAsQByteArray();
+    R unknown = Example(); // its handler is written as an empty name
+    unknown.SetOperationModeHandler(R::OperationModeHandler(-1));
+    // The handler's record comes last: it and the object grow by a byte
+    // their payload does not use.
+    const int handler = binary.indexOf(Int(kHandlerId));
+    QByteArray padded = binary + 'x';
+    padded.replace(4, 4, Int(padded.size() - 8)).replace(handler + 4, 4, Int(padded.size() - handler - 8));
+    const QByteArray cut = binary.left(binary.size() - 3);
+    const QString example = Q("true ") + QString::fromStdString(Outline(Example()));
+    const QString nine = Q("true 9*{'Standard'*['Overview'*(1*,0*),'Details'*(0*,5*)]*}*");
+    const QString tooLarge = Q("1433301865 bytes, more than the maximum document size of 268435456 bytes");
+    const struct { const char* kinds; const char* modes; QByteArray document; QString outcome; } cases[] = {
+        {"xml", "both", xml, example},
+        {"array stream", "both", binary, example},
+        {"xml", "lax", unknown.GetXmlString().toUtf8(), nine},
+        {"array stream", "lax", unknown.GetBinaryRepresentationAsQByteArray(), nine},
+        {"xml", "both", xml.left(200), Q("false XML error at line 1, column 200: Premature end of document.")},
+        {"xml", "strict", QByteArray(xml).replace(">AVAILABLE<", ">Available<"),
+         Q("throws ") + EnumInvalid("GuiComponentSettings", "m_guiComponentUsage")},
+        // An array must be as long as its object length says; a stream
+        // simply ends, inside the handler's name, which validation refuses.
+        {"array", "both", cut, Q("false the object length %1 does not match the %2 bytes behind it")
+                                   .arg(binary.size() - 8).arg(cut.size() - 8)},
+        {"stream", "lax", cut, Q("false the stream ends inside the document")},
+        {"stream", "strict", cut, Q("throws ") + EnumInvalid("TorviGuiModeSettings", "m_operationModeHandler")},
+        {"array", "both", padded, Q("false a record holds bytes its payload does not use")},
+        {"array", "both", "Unsinn",
+         Q("false neither a plain TorviGuiModeSettings document (class id 232099450) nor a compressed one: "
+           "it announces ") + tooLarge},
+        {"stream", "both", "Unsinn", Q("false the compressed document holds ") + tooLarge},
+    };
+    for (const Form& form : kForms) {
+        SCOPED_TRACE(form.name);
+        for (const auto& c : cases) {
+            if (QByteArray(c.kinds).split(' ').contains(form.kind))
+                ExpectRead(Q(c.modes), c.outcome, [&](R& root) { return form.read(root, c.document, file); });
+        }
+    }
+}
+
+TEST(WholeDocument, DevicesAreReadInTheDocumentsOwnEncoding)
+{
+    for (const char* name : {"xml/encoded/utf-16.xml", "xml/encoded/latin-1.xml"}) {
+        R root;
+        EXPECT_TRUE(root.LoadXml(DataPath(Q(name)))) << root.GetErrorString().toStdString();
+        EXPECT_EQ(Outline(root), "2*{'M\u00e4rz'*[]}*");
+    }
+}
+
+TEST(WholeDocument, TheMaximumDocumentSizeEndsReadsOfLargerInputs)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString file = dir.filePath(Q("d"));
+    for (const Form& form : kForms) {
+        SCOPED_TRACE(form.name);
+        const QByteArray document = QByteArray(form.kind) == "xml" ? ReadData(Q("xml/example.xml"))
+                                                                   : Example().GetBinaryRepresentationAsQByteArray();
+        const QString unit = QByteArray(form.holder) == "the text" ? Q("characters") : Q("bytes");
+        for (const int limit : {document.size() - 1, document.size()}) {
+            ExpectRead(Q("lax"), limit == document.size() ? Q("true ") + QString::fromStdString(Outline(Example()))
+                           : Q("false %1 holds %2 %3, more than the maximum document size of %4 %3")
+                                 .arg(Q(form.holder)).arg(document.size()).arg(unit).arg(limit),
+                       [&](R& root) { root.SetMaxDocumentSize(limit); return form.read(root, document, file); });
+        }
+    }
+    R root;
+    EXPECT_EQ(root.GetMaxDocumentSize(), 256 * 1024 * 1024);
+    root.SetMaxDocumentSize(0);
+    EXPECT_EQ(root.GetMaxDocumentSize(), 1);
+
+    // A compressed document may not inflate beyond the limit either: a
+    // name of 1000 characters packs into far fewer than 500 bytes.
+    const QByteArray plain = Root(R::TX470ManagementComponent, {Mode(QByteArray(1000, 'n').constData())})
+                                 .GetBinaryRepresentationAsQByteArray();
+    QByteArray compressed = qCompress(plain);
+    ASSERT_LT(compressed.size(), 500);
+    root.SetMaxDocumentSize(500);
+    EXPECT_FALSE(root.SetBinaryRepresentation(compressed));
+    EXPECT_EQ(root.GetErrorString(), Q("neither a plain TorviGuiModeSettings document (class id 232099450) nor a "
+                                       "compressed one: it announces %1 bytes, more than the maximum document size "
+                                       "of 500 bytes").arg(plain.size()));
+}
+
+TEST(WholeDocument, HugeFilesDevicesAndPipesAreReadNoFurtherThanTheLimit)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    // 3 GiB that take no room on disk: refused by their size, at once.
+    QFile sparse(dir.filePath(Q("sparse")));
+    ASSERT_TRUE(sparse.open(QIODevice::WriteOnly) && sparse.resize(qint64(3) << 30));
+    sparse.close();
+    ExpectRead(Q("lax"), Q("false the file holds 3221225472 bytes, more than the maximum document size of 268435456 "
+                           "bytes"), [&](R& root) { return root.LoadBinary(&sparse); });
+
+    // A device without end: read up to the limit, then refused.
+    QFile zero(Q("/dev/zero"));
+    ExpectRead(Q("lax"), Q("false the input holds more than the maximum document size of 1048576 bytes"), [&](R& root) {
+        root.SetMaxDocumentSize(1 << 20);
+        return root.LoadXml(&zero);
+    });
+
+    // A pipe: read whole within the limit, refused beyond it.
+    const QString fifo = dir.filePath(Q("fifo"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    const auto throughPipe = [&](qint64 limit) {
+        return [&, limit](R& root) {
+            root.SetMaxDocumentSize(limit);
+            std::thread writer([&] {
+                QFile end(fifo);
+                if (end.open(QIODevice::WriteOnly))
+                    end.write(ReadData(Q("xml/example.xml")));
+            });
+            const bool result = root.LoadXml(fifo);
+            writer.join();
+            return result;
+        };
+    };
+    ExpectRead(Q("lax"), Q("true ") + QString::fromStdString(Outline(Example())), throughPipe(1000));
+    ExpectRead(Q("lax"), Q("false the input holds more than the maximum document size of 100 bytes"), throughPipe(100));
+}
+
+TEST(WholeDocument, TextsAFormCannotHoldAreRefusedByItsWritersNeverDropped)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString path = dir.filePath(Q("settings.xml"));
+    const QString after = Q(" (after \"%1\")");
+    const struct { QString modeName, componentName, message; } cases[] = {
+        {Q("Std") + QChar(0) + Q("ard"), Q("C"),
+         Q("DataOperationMode: Name holds U+0000 at character 4") + after.arg(Q("Std"))},
+        {Q("M"), QString(QChar(1)), Q("GuiComponentSettings: Name holds U+0001 at character 1")},
+        {Q("ab\u00E4") + QChar(0xFFFE), Q("C"),
+         Q("DataOperationMode: Name holds U+FFFE at character 4") + after.arg(Q("ab\u00E4"))},
+        {Q("M"), Q("\U0001F600x") + QChar(0xD800) + Q("y"),
+         Q("GuiComponentSettings: Name holds U+D800 at character 3") + after.arg(Q("\U0001F600x"))},
+        {QString(QChar(0xDC00)), Q("C"), Q("DataOperationMode: Name holds U+DC00 at character 1")},
+        {Q("M"), Q("tab\tok\nok\rvertical\vtab"),
+         Q("GuiComponentSettings: Name holds U+000B at character 19") + after.arg(Q("tab\tok\nok\rvertical"))},
+        {QString(40, QLatin1Char('n')) + QChar(0x1F), Q("C"),
+         Q("DataOperationMode: Name holds U+001F at character 41") + after.arg(Q("...") + QString(32, QLatin1Char('n')))},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.message.toStdString());
+        R root = Small();
+        root.GetDataOperationMode()[0].SetName(c.modeName);
+        root.GetDataOperationMode()[0].GetGuiComponentSettings()[0].SetName(c.componentName);
+        const QString message = c.message + Q(", which XML 1.0 cannot represent.");
+        for (const bool validate : {false, true}) {
+            root.SetValidate(validate);
+            EXPECT_EQ(MessageOf<OutOfRangeException>([&] { root.GetXmlString(); }), message);
+            EXPECT_EQ(root.GetErrorString(), message);
+            EXPECT_EQ(MessageOf<OutOfRangeException>([&] { root.SaveXml(path); }), message);
+            EXPECT_FALSE(QFile::exists(path));
+        }
+        // The binary form holds every character as it is, but unpaired
+        // surrogates are no characters: UTF-8 has no form for them either.
+        if (c.message.contains(Q("U+D"))) {
+            EXPECT_EQ(MessageOf<OutOfRangeException>([&] { root.GetBinaryRepresentationAsQByteArray(); }),
+                      QString(message).replace(Q("XML 1.0"), Q("UTF-8")));
+            continue;
+        }
+        R back;
+        QByteArray bytes = root.GetBinaryRepresentationAsQByteArray();
+        ASSERT_TRUE(back.SetBinaryRepresentation(bytes));
+        EXPECT_EQ(Outline(back), Outline(root));
+    }
+    EXPECT_EQ(REPORTGENERATOR::IRGObject::FindNonXmlCharacter(Q("\U0001F600 \t\n\r\uFFFD")), -1);
+    EXPECT_EQ(REPORTGENERATOR::IRGObject::FindUnpairedSurrogate(Q("\U0001F600") + QChar(0) + QChar(0xFFFF)), -1);
 }
