@@ -25,10 +25,15 @@
 #include <QString>
 #include <QVector>
 
+#include <cxxabi.h>
+
+#include <cstdlib>
 #include <exception>
 #include <initializer_list>
 #include <ostream>
 #include <string>
+#include <type_traits>
+#include <typeinfo>
 
 // Shows QStrings and bytes readably in failure messages.
 inline void PrintTo(const QString& text, std::ostream* os)
@@ -99,6 +104,28 @@ QString MessageOf(F&& operation)
         return QStringLiteral("<other exception> ") + e.GetMessageText();
     }
     return kNothingThrown;
+}
+
+// What operation comes to: "true" or "false" for one that returns a bool,
+// "done" for one that returns nothing, or the class and message of the
+// library's exception that ends it ("BinaryParsingException: ...").
+template <typename F>
+std::string OutcomeOf(F&& operation)
+{
+    try {
+        if constexpr (std::is_void_v<decltype(operation())>) {
+            operation();
+            return "done";
+        } else {
+            return operation() ? "true" : "false";
+        }
+    } catch (const ReportException& e) {
+        int status = 0;
+        char* name = abi::__cxa_demangle(typeid(e).name(), nullptr, nullptr, &status);
+        const std::string thrown = status == 0 ? name : typeid(e).name();
+        std::free(name);
+        return thrown + ": " + e.GetMessageText().toStdString();
+    }
 }
 
 // How handlers see an exception of the library that operation throws:
