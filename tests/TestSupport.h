@@ -98,10 +98,8 @@ QString MessageOf(F&& operation)
 {
     try {
         operation();
-    } catch (const E& e) {
-        return e.GetMessageText();
     } catch (const ReportException& e) {
-        return QStringLiteral("<other exception> ") + e.GetMessageText();
+        return (dynamic_cast<const E*>(&e) ? QString() : QStringLiteral("<other exception> ")) + e.GetMessageText();
     }
     return kNothingThrown;
 }
