@@ -99,7 +99,11 @@ QString MessageOf(F&& operation)
     try {
         operation();
     } catch (const ReportException& e) {
-        return (dynamic_cast<const E*>(&e) ? QString() : QStringLiteral("<other exception> ")) + e.GetMessageText();
+        if constexpr (!std::is_same_v<E, ReportException>) {
+            if (!dynamic_cast<const E*>(&e))
+                return QStringLiteral("<other exception> ") + e.GetMessageText();
+        }
+        return e.GetMessageText();
     }
     return kNothingThrown;
 }
