@@ -1,7 +1,8 @@
 // The display lists of the three enumerations with the library's own German
 // catalogue, which the library registers with the translation service when it
 // is loaded. The service finds the catalogue relative to the library, in the
-// build tree as when installed.
+// build tree as when installed. The expected names are those of
+// tests/data/names-de.txt, what `torvixml names --lang de` prints.
 
 #include "GuiComponentSettings.h"
 #include "TorviGuiModeSettings.h"
@@ -11,119 +12,82 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QRegularExpression>
 #include <QTranslator>
 
-#include <memory>
-#include <ostream>
+#include <array>
+#include <string>
 
-// Readable QString output in failure messages (found by argument lookup).
-inline void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << '"' << text.toStdString() << '"';
-}
-
-using TORVIXML::GuiComponentSettings;
-using TORVIXML::TorviGuiModeSettings;
+using namespace TORVIXML;
 
 namespace
 {
-const QString kModule = QStringLiteral("TorviXML");
+int g_argc = 1;
+char g_name[] = "display_names_test";
+char* g_argv[] = {g_name, nullptr};
 
-const QStringList kHandlerNames = {
-    QStringLiteral("TX470ManagementComponent"), QStringLiteral("PMR830ManagementComponent"),
-    QStringLiteral("QLSManagementComponent"), QStringLiteral("VbkManagementComponent")};
-const QStringList kUsageNames = {QStringLiteral("AVAILABLE"), QStringLiteral("DEFAULT_DISPLAY")};
-const QStringList kLocationNames = {
-    QStringLiteral("LeftDockWidgetArea"), QStringLiteral("RightDockWidgetArea"),
-    QStringLiteral("TopDockWidgetArea"), QStringLiteral("BottomDockWidgetArea"),
-    QStringLiteral("CenterDockWidgetArea"), QStringLiteral("FloatingDockWidgetArea "),
-    QStringLiteral("NoDockWidgetArea")};
-
-const QStringList kGermanHandlers = {
-    QStringLiteral("TX470-Verwaltungskomponente"), QStringLiteral("PMR830-Verwaltungskomponente"),
-    QStringLiteral("QLS-Verwaltungskomponente"), QStringLiteral("Vbk-Verwaltungskomponente")};
-const QStringList kGermanUsages = {QString::fromUtf8("Verf\xC3\xBC" "gbar"), QStringLiteral("Standardanzeige")};
-const QStringList kGermanLocations = {
-    QStringLiteral("Linker Andockbereich"), QStringLiteral("Rechter Andockbereich"),
-    QStringLiteral("Oberer Andockbereich"), QStringLiteral("Unterer Andockbereich"),
-    QStringLiteral("Mittlerer Andockbereich"), QStringLiteral("Schwebendes Fenster"),
-    QStringLiteral("Kein Andockbereich")};
-
-class Application
+// The names of the operation mode handlers, the component usages and the
+// dock widget locations, a line each.
+std::string Lines(const std::array<QStringList, 3>& lists)
 {
-public:
-    Application() : m_app(new QCoreApplication(m_argc, m_argv)) {}
-
-private:
-    int m_argc = 1;
-    char m_name[32] = "display_names_test";
-    char* m_argv[2] = {m_name, nullptr};
-    std::unique_ptr<QCoreApplication> m_app;
-};
-
-void ExpectUntranslated()
-{
-    EXPECT_EQ(TorviGuiModeSettings::GetGUIOperationModeHandlers(), kHandlerNames);
-    EXPECT_EQ(GuiComponentSettings::GetGUIGuiComponentUsages(), kUsageNames);
-    EXPECT_EQ(GuiComponentSettings::GetGUIDockWidgetLocations(), kLocationNames);
+    QStringList lines;
+    for (const QStringList& list : lists)
+        lines.append(list.join(QLatin1Char('|')));
+    return lines.join(QLatin1Char('\n')).toStdString();
 }
 
-void ExpectGerman()
+std::string StoredNames()
 {
-    EXPECT_EQ(TorviGuiModeSettings::GetGUIOperationModeHandlers(), kGermanHandlers);
-    EXPECT_EQ(GuiComponentSettings::GetGUIGuiComponentUsages(), kGermanUsages);
-    EXPECT_EQ(GuiComponentSettings::GetGUIDockWidgetLocations(), kGermanLocations);
+    return Lines({TorviGuiModeSettings::GetOperationModeHandlers(), GuiComponentSettings::GetGuiComponentUsages(),
+                  GuiComponentSettings::GetDockWidgetLocations()});
+}
+
+std::string DisplayNames()
+{
+    return Lines({TorviGuiModeSettings::GetGUIOperationModeHandlers(), GuiComponentSettings::GetGUIGuiComponentUsages(),
+                  GuiComponentSettings::GetGUIDockWidgetLocations()});
+}
+
+// The stored names ([0]) and the German names ([1]) from names-de.txt: a
+// heading line per enumeration, then a line per value.
+std::array<std::string, 2> NamesFromFile()
+{
+    std::array<std::array<QStringList, 3>, 2> names;
+    QFile file(QStringLiteral(TEST_DATA_DIR "/names-de.txt"));
+    file.open(QIODevice::ReadOnly);
+    const QRegularExpression entry(QStringLiteral("^ +\\d+ +\"([^\"]*)\" +\"([^\"]*)\"$"));
+    int table = -1;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
+        const QRegularExpressionMatch match = entry.match(line);
+        table += line.isEmpty() || line.startsWith(QLatin1Char(' ')) ? 0 : 1;
+        for (int column = 0; match.hasMatch() && table >= 0 && table < 3 && column < 2; ++column)
+            names[column][table].append(match.captured(column + 1));
+    }
+    return {Lines(names[0]), Lines(names[1])};
 }
 
 TEST(DisplayNames, LibraryRegistersItsCatalogueAtLoad)
 {
+    const std::array<std::string, 2> expected = NamesFromFile();
     ASSERT_EQ(QCoreApplication::instance(), nullptr);
     TranslationCenter& center = TranslationCenter::Instance();
-    EXPECT_EQ(center.RegisteredModules(), QStringList{kModule});
-    EXPECT_EQ(center.Translator(kModule), nullptr);
-    EXPECT_EQ(TorviGuiModeSettings::GetOperationModeHandlers(), kHandlerNames);
-    EXPECT_EQ(GuiComponentSettings::GetGuiComponentUsages(), kUsageNames);
-    EXPECT_EQ(GuiComponentSettings::GetDockWidgetLocations(), kLocationNames);
-    ExpectUntranslated();
+    EXPECT_EQ(center.RegisteredModules().join(QLatin1Char(' ')).toStdString(), "TorviXML");
+    EXPECT_EQ(StoredNames(), expected[0]);
+    EXPECT_EQ(DisplayNames(), expected[0]);
 
     center.SetLanguage(QStringLiteral("de"));
-    Application app;
-    const QTranslator* translator = center.Translator(kModule);
+    QCoreApplication app(g_argc, g_argv);
+    const QTranslator* translator = center.Translator(QStringLiteral("TorviXML"));
     ASSERT_NE(translator, nullptr);
-    EXPECT_EQ(translator->filePath(), QStringLiteral(LIBRARY_CATALOGUES "/TorviXML_de.qm"));
-    ExpectGerman();
-}
+    EXPECT_EQ(translator->filePath().toStdString(), LIBRARY_CATALOGUES "/TorviXML_de.qm");
+    EXPECT_EQ(DisplayNames(), expected[1]);
+    EXPECT_EQ(StoredNames(), expected[0]);
 
-TEST(DisplayNames, GermanNamesFollowTheCatalogue)
-{
-    TranslationCenter& center = TranslationCenter::Instance();
-    center.SetLanguage(QStringLiteral("de"));
-    {
-        Application app;
-        ExpectGerman();
-        // Every value has its own display name, distinct from its stored name.
-        for (int k = 0; k < kLocationNames.size(); ++k)
-            EXPECT_NE(kGermanLocations[k], kLocationNames[k]);
-        for (int k = 0; k < kUsageNames.size(); ++k)
-            EXPECT_NE(kGermanUsages[k], kUsageNames[k]);
-        for (int k = 0; k < kHandlerNames.size(); ++k)
-            EXPECT_NE(kGermanHandlers[k], kHandlerNames[k]);
-
-        center.Unregister(kModule);
-        EXPECT_TRUE(center.RegisteredModules().isEmpty());
-        ExpectUntranslated();
-
-        center.Register(kModule);
-        ExpectGerman();
-
-        center.SetLanguage(QStringLiteral("fr"));
-        ExpectUntranslated();
-        center.SetLanguage(QStringLiteral("de_CH"));
-        ExpectGerman();
-    }
-    // Without an application there is no translator.
-    ExpectUntranslated();
-    EXPECT_EQ(center.RegisteredModules(), QStringList{kModule});
+    // Registered once: one withdrawal ends the registration.
+    center.Unregister(QStringLiteral("TorviXML"));
+    EXPECT_TRUE(center.RegisteredModules().isEmpty());
+    EXPECT_EQ(DisplayNames(), expected[0]);
 }
 
 // Answers every lookup with the arguments it was given, so that the context,
@@ -144,32 +108,23 @@ public:
 
 TEST(DisplayNames, TranslationFunctionsUseTheirClassContext)
 {
-    Application app;
-    EchoTranslator echo;
-    ASSERT_TRUE(QCoreApplication::installTranslator(&echo));
-    const QString component = QStringLiteral("TORVIXML::GuiComponentSettings|");
-    const QString root = QStringLiteral("TORVIXML::TorviGuiModeSettings|");
-    EXPECT_EQ(GuiComponentSettings::tr("Dock", nullptr), component + QStringLiteral("Dock|<none>|-1"));
-    EXPECT_EQ(GuiComponentSettings::tr("Dock", "menu", 3), component + QStringLiteral("Dock|menu|3"));
-    EXPECT_EQ(GuiComponentSettings::trUtf8("Gr\xC3\xB6\xC3\x9F" "e", "x"),
-              component + QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e|x|-1"));
-    EXPECT_EQ(GuiComponentSettings::trUtf8("Dock", nullptr, 0), component + QStringLiteral("Dock|<none>|0"));
-    EXPECT_EQ(TorviGuiModeSettings::tr("Mode", "title"), root + QStringLiteral("Mode|title|-1"));
-    EXPECT_EQ(TorviGuiModeSettings::tr("Mode", nullptr, 2), root + QStringLiteral("Mode|<none>|2"));
-    EXPECT_EQ(TorviGuiModeSettings::trUtf8("Mode", "t"), root + QStringLiteral("Mode|t|-1"));
-    EXPECT_EQ(TorviGuiModeSettings::trUtf8("Mode", "t", 1), root + QStringLiteral("Mode|t|1"));
+    QCoreApplication app(g_argc, g_argv);
+    EchoTranslator translator;
+    ASSERT_TRUE(QCoreApplication::installTranslator(&translator));
+    const auto echo = [](const QString& text) { return text.toStdString(); };
+    EXPECT_EQ(echo(GuiComponentSettings::tr("Dock", "menu", 3)), "TORVIXML::GuiComponentSettings|Dock|menu|3");
+    EXPECT_EQ(echo(GuiComponentSettings::trUtf8("Gr\xC3\xB6\xC3\x9F" "e", "x", 2)),
+              "TORVIXML::GuiComponentSettings|Gr\xC3\xB6\xC3\x9F" "e|x|2");
+    EXPECT_EQ(echo(GuiComponentSettings::trUtf8("Dock")), "TORVIXML::GuiComponentSettings|Dock|<none>|-1");
+    EXPECT_EQ(echo(TorviGuiModeSettings::tr("Mode", "title")), "TORVIXML::TorviGuiModeSettings|Mode|title|-1");
+    EXPECT_EQ(echo(TorviGuiModeSettings::trUtf8("Mode", "t", 1)), "TORVIXML::TorviGuiModeSettings|Mode|t|1");
+    EXPECT_EQ(echo(TorviGuiModeSettings::trUtf8("Mode")), "TORVIXML::TorviGuiModeSettings|Mode|<none>|-1");
     // The display lists translate in the context "QObject", the names as they
     // are stored, the trailing blank included.
-    EXPECT_EQ(GuiComponentSettings::GetGUIDockWidgetLocations()[5],
-              QStringLiteral("QObject|FloatingDockWidgetArea |<none>|-1"));
-    EXPECT_EQ(TorviGuiModeSettings::GetGUIOperationModeHandlers()[0],
-              QStringLiteral("QObject|TX470ManagementComponent|<none>|-1"));
-    QCoreApplication::removeTranslator(&echo);
+    EXPECT_EQ(echo(GuiComponentSettings::GetGUIDockWidgetLocations().value(5)),
+              "QObject|FloatingDockWidgetArea |<none>|-1");
+    EXPECT_EQ(echo(TorviGuiModeSettings::GetGUIOperationModeHandlers().value(0)),
+              "QObject|TX470ManagementComponent|<none>|-1");
+    QCoreApplication::removeTranslator(&translator);
 }
 } // namespace
-
-int main(int argc, char** argv)
-{
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -1,80 +1,70 @@
 // The translation service on its own, with the test catalogues "Probe" and
-// "Second" (context "QObject"):
-//   environment directory:  Probe_de.qm  "Hello" -> "Hallo (Umgebung)"
-//                           Probe_fr.qm  "Hello" -> "Bonjour (Umgebung)"
-//                           Second_de.qm "World" -> "Welt (Umgebung)"
-//   translations/ beside the program: Probe_de.qm "Hello" -> "Hallo (Programm)"
+// "Second" (context "QObject") in the directories of tc/ in the build tree:
+//   env/ (named in TORVI_TRANSLATIONS_DIR): Probe_de    "Hello" -> "Hallo (Umgebung)"
+//                                           Probe_fr    "Hello" -> "Bonjour (Umgebung)"
+//                                           Second_de   "World" -> "Welt (Umgebung)"
+//   translations/ (beside the program):     Probe_de    "Hello" -> "Hallo (Programm)"
+//                                           Probe_de_AT "Hello" -> "Servus (Programm)"
+//   empty/ (none), damaged/ (a Probe_de.qm that is not a catalogue);
+// and with the library (not linked) loaded and unloaded as a plug-in is.
 
 #include <TorviXML/TranslationCenter.h>
 
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 #include <QPointer>
-#include <QTemporaryDir>
 #include <QTranslator>
 
-#include <memory>
-#include <ostream>
+#include <dlfcn.h>
 
-// Readable QString output in failure messages (found by argument lookup).
-inline void PrintTo(const QString& text, std::ostream* os)
-{
-    *os << '"' << text.toStdString() << '"';
-}
+#include <string>
 
 namespace
 {
 QString g_initialLanguage;
+int g_argc = 1;
+char g_name[] = "translation_center_test";
+char* g_argv[] = {g_name, nullptr};
 
-const QString kEnvironmentDir = QStringLiteral(ENVIRONMENT_CATALOGUES);
-const QString kApplicationDir = QStringLiteral(APPLICATION_CATALOGUES);
-const QString kInstalledDir = QStringLiteral(INSTALLED_CATALOGUES);
+TranslationCenter& Center() { return TranslationCenter::Instance(); }
 
-QString Hello()
+// The test's directories by their names in the build tree, the library's
+// own as "installed".
+std::string Abbreviated(QString path)
 {
-    return QCoreApplication::translate("QObject", "Hello");
+    path.replace(QStringLiteral(TEST_CATALOGUES "/"), QString());
+    return path.replace(QStringLiteral(LIBRARY_CATALOGUES), QStringLiteral("installed")).toStdString();
 }
 
-QString World()
+// What a program sees now: the two texts translated, and every registered
+// module with the catalogue its translator was loaded from, for example
+// "Hallo (Umgebung) World | Probe=env/Probe_de.qm Absent=-".
+std::string State()
 {
-    return QCoreApplication::translate("QObject", "World");
+    QString state = QCoreApplication::translate("QObject", "Hello") + QLatin1Char(' ')
+                    + QCoreApplication::translate("QObject", "World") + QStringLiteral(" |");
+    for (const QString& module : Center().RegisteredModules()) {
+        const QTranslator* translator = Center().Translator(module);
+        state += QLatin1Char(' ') + module + QLatin1Char('=')
+                 + (translator ? translator->filePath() : QStringLiteral("-"));
+    }
+    return Abbreviated(state);
 }
-
-QString CatalogueOf(const QString& module)
-{
-    const QTranslator* translator = TranslationCenter::Instance().Translator(module);
-    return translator ? translator->filePath() : QStringLiteral("<none>");
-}
-
-class Application
-{
-public:
-    Application() : m_app(new QCoreApplication(m_argc, m_argv)) {}
-
-private:
-    int m_argc = 1;
-    char m_name[32] = "translation_center_test";
-    char* m_argv[2] = {m_name, nullptr};
-    std::unique_ptr<QCoreApplication> m_app;
-};
 
 class TranslationCenterTest : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        qputenv("TORVI_TRANSLATIONS_DIR", kEnvironmentDir.toLocal8Bit());
-        TranslationCenter::Instance().SetLanguage(QStringLiteral("de"));
+        qputenv("TORVI_TRANSLATIONS_DIR", TEST_CATALOGUES "/env");
+        Center().SetLanguage(QStringLiteral("de"));
     }
 
     void TearDown() override
     {
-        TranslationCenter& center = TranslationCenter::Instance();
-        for (int i = 0; i < 100 && !center.RegisteredModules().isEmpty(); ++i)
-            center.Unregister(center.RegisteredModules().constFirst());
+        for (int i = 0; i < 100 && !Center().RegisteredModules().isEmpty(); ++i)
+            Center().Unregister(Center().RegisteredModules().constFirst());
         qunsetenv("TORVI_TRANSLATIONS_DIR");
     }
 };
@@ -83,170 +73,130 @@ TEST_F(TranslationCenterTest, LanguageDefaultsToTheSystemLanguage)
 {
     // main() runs the program under LC_ALL=de_DE.UTF-8.
     EXPECT_EQ(g_initialLanguage, QStringLiteral("de"));
-
-    TranslationCenter& center = TranslationCenter::Instance();
-    center.SetLanguage(QStringLiteral("fr_CA"));
-    EXPECT_EQ(center.Language(), QStringLiteral("fr_CA"));
-    center.SetLanguage(QString());
-    EXPECT_EQ(center.Language(), QStringLiteral("de"));
+    Center().SetLanguage(QStringLiteral("fr_CA"));
+    EXPECT_EQ(Center().Language(), QStringLiteral("fr_CA"));
+    Center().SetLanguage(QLatin1String("")); // empty, not null
+    EXPECT_EQ(Center().Language(), QStringLiteral("de"));
 }
 
-TEST_F(TranslationCenterTest, ModuleRegisteredBeforeTheApplicationIsInstalledInEachApplication)
+TEST_F(TranslationCenterTest, CataloguesAreInstalledInEachApplicationAndGoWithIt)
 {
-    TranslationCenter& center = TranslationCenter::Instance();
-    center.Register(QStringLiteral("Probe"));
-    EXPECT_EQ(center.RegisteredModules(), QStringList{QStringLiteral("Probe")});
-    EXPECT_EQ(center.Translator(QStringLiteral("Probe")), nullptr);
-    EXPECT_EQ(Hello(), QStringLiteral("Hello"));
-
-    QPointer<const QTranslator> first;
+    Center().Register(QStringLiteral("Probe"));
+    EXPECT_EQ(State(), "Hello World | Probe=-");
+    QPointer<const QTranslator> translator;
     {
-        Application app;
-        first = center.Translator(QStringLiteral("Probe"));
-        ASSERT_FALSE(first.isNull());
-        EXPECT_EQ(first->filePath(), kEnvironmentDir + QStringLiteral("/Probe_de.qm"));
-        EXPECT_EQ(Hello(), QStringLiteral("Hallo (Umgebung)"));
+        QCoreApplication app(g_argc, g_argv);
+        translator = Center().Translator(QStringLiteral("Probe"));
+        EXPECT_EQ(State(), "Hallo (Umgebung) World | Probe=env/Probe_de.qm");
     }
-    // The translator goes with the application, the registration stays.
-    EXPECT_TRUE(first.isNull());
-    EXPECT_EQ(center.Translator(QStringLiteral("Probe")), nullptr);
-    EXPECT_EQ(center.RegisteredModules(), QStringList{QStringLiteral("Probe")});
-    EXPECT_EQ(Hello(), QStringLiteral("Hello"));
-
+    EXPECT_TRUE(translator.isNull());
+    EXPECT_EQ(State(), "Hello World | Probe=-");
     {
-        Application app;
-        QPointer<const QTranslator> second = center.Translator(QStringLiteral("Probe"));
-        ASSERT_FALSE(second.isNull());
-        EXPECT_EQ(Hello(), QStringLiteral("Hallo (Umgebung)"));
-
-        center.Unregister(QStringLiteral("Probe"));
-        EXPECT_TRUE(second.isNull());
-        EXPECT_EQ(Hello(), QStringLiteral("Hello"));
-        EXPECT_TRUE(center.RegisteredModules().isEmpty());
+        QCoreApplication app(g_argc, g_argv);
+        translator = Center().Translator(QStringLiteral("Probe"));
+        EXPECT_EQ(State(), "Hallo (Umgebung) World | Probe=env/Probe_de.qm");
+        Center().Unregister(QStringLiteral("Probe"));
+        EXPECT_TRUE(translator.isNull());
+        EXPECT_EQ(State(), "Hello World |");
     }
-
-    // A later application gets its own clean-up, and unregistering after
-    // the application has gone is harmless.
-    center.Register(QStringLiteral("Probe"));
-    QPointer<const QTranslator> third;
+    // A later application gets its own clean-up.
+    Center().Register(QStringLiteral("Probe"));
     {
-        Application app;
-        third = center.Translator(QStringLiteral("Probe"));
-        EXPECT_EQ(Hello(), QStringLiteral("Hallo (Umgebung)"));
+        QCoreApplication app(g_argc, g_argv);
+        translator = Center().Translator(QStringLiteral("Probe"));
+        ASSERT_FALSE(translator.isNull());
     }
-    EXPECT_TRUE(third.isNull());
-    center.Unregister(QStringLiteral("Probe"));
-    EXPECT_TRUE(center.RegisteredModules().isEmpty());
+    EXPECT_TRUE(translator.isNull());
 }
 
 TEST_F(TranslationCenterTest, SearchesEnvironmentThenBesideTheProgramThenInstalled)
 {
-    Application app;
-    TranslationCenter& center = TranslationCenter::Instance();
-    EXPECT_EQ(QDir(QCoreApplication::applicationDirPath() + QStringLiteral("/translations")),
-              QDir(kApplicationDir));
-    const QString besideProgram = QCoreApplication::applicationDirPath() + QStringLiteral("/translations");
-
-    EXPECT_EQ(center.SearchDirectories(), (QStringList{kEnvironmentDir, besideProgram, kInstalledDir}));
-    center.Register(QStringLiteral("Probe"));
-    EXPECT_EQ(Hello(), QStringLiteral("Hallo (Umgebung)"));
-    EXPECT_EQ(CatalogueOf(QStringLiteral("Probe")), kEnvironmentDir + QStringLiteral("/Probe_de.qm"));
-    center.Unregister(QStringLiteral("Probe"));
-
-    qunsetenv("TORVI_TRANSLATIONS_DIR");
-    EXPECT_EQ(center.SearchDirectories(), (QStringList{besideProgram, kInstalledDir}));
-    center.Register(QStringLiteral("Probe"));
-    EXPECT_EQ(Hello(), QStringLiteral("Hallo (Programm)"));
-    EXPECT_EQ(CatalogueOf(QStringLiteral("Probe")), besideProgram + QStringLiteral("/Probe_de.qm"));
-    center.Unregister(QStringLiteral("Probe"));
-
-    // An empty variable counts as unset.
-    qputenv("TORVI_TRANSLATIONS_DIR", QByteArray());
-    EXPECT_EQ(center.SearchDirectories(), (QStringList{besideProgram, kInstalledDir}));
-
-    // A directory without the catalogue, or with a damaged one, is passed by.
-    QTemporaryDir scratch;
-    ASSERT_TRUE(scratch.isValid());
-    qputenv("TORVI_TRANSLATIONS_DIR", scratch.path().toLocal8Bit());
-    center.Register(QStringLiteral("Probe"));
-    EXPECT_EQ(CatalogueOf(QStringLiteral("Probe")), besideProgram + QStringLiteral("/Probe_de.qm"));
-    center.Unregister(QStringLiteral("Probe"));
-
-    QFile damaged(scratch.filePath(QStringLiteral("Probe_de.qm")));
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
-    damaged.write("this is not a catalogue");
-    damaged.close();
-    center.Register(QStringLiteral("Probe"));
-    EXPECT_EQ(Hello(), QStringLiteral("Hallo (Programm)"));
-    EXPECT_EQ(CatalogueOf(QStringLiteral("Probe")), besideProgram + QStringLiteral("/Probe_de.qm"));
+    QCoreApplication app(g_argc, g_argv);
+    // The search path, then what a module registered now gets.
+    const char* const steps[][2] = {
+        {TEST_CATALOGUES "/env", "env translations installed: Hallo (Umgebung) World | Probe=env/Probe_de.qm"},
+        {nullptr, "translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
+        {"", "translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
+        // Passed by: a directory without the catalogue, and a damaged one.
+        {TEST_CATALOGUES "/empty", "empty translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
+        {TEST_CATALOGUES "/damaged", "damaged translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
+    };
+    for (const auto& step : steps) {
+        if (step[0])
+            qputenv("TORVI_TRANSLATIONS_DIR", step[0]);
+        else
+            qunsetenv("TORVI_TRANSLATIONS_DIR");
+        Center().Register(QStringLiteral("Probe"));
+        EXPECT_EQ(Abbreviated(Center().SearchDirectories().join(QLatin1Char(' ')) + QStringLiteral(": ")) + State(),
+                  step[1])
+            << (step[0] ? step[0] : "unset");
+        Center().Unregister(QStringLiteral("Probe"));
+    }
 }
 
 TEST_F(TranslationCenterTest, ChangingTheLanguageReloadsEveryModule)
 {
-    Application app;
-    TranslationCenter& center = TranslationCenter::Instance();
-    center.Register(QStringLiteral("Probe"));
-    center.Register(QStringLiteral("Second"));
-    EXPECT_EQ(Hello(), QStringLiteral("Hallo (Umgebung)"));
-    EXPECT_EQ(World(), QStringLiteral("Welt (Umgebung)"));
+    QCoreApplication app(g_argc, g_argv);
+    for (const char* module : {"Probe", "Absent", "Second"})
+        Center().Register(QLatin1String(module));
+    EXPECT_EQ(State(), "Hallo (Umgebung) Welt (Umgebung) | Probe=env/Probe_de.qm Absent=- Second=env/Second_de.qm");
 
-    center.SetLanguage(QStringLiteral("fr"));
-    EXPECT_EQ(center.Language(), QStringLiteral("fr"));
-    EXPECT_EQ(Hello(), QStringLiteral("Bonjour (Umgebung)"));
-    EXPECT_EQ(World(), QStringLiteral("World")); // there is no Second_fr.qm
-    EXPECT_EQ(CatalogueOf(QStringLiteral("Probe")), kEnvironmentDir + QStringLiteral("/Probe_fr.qm"));
-    EXPECT_EQ(CatalogueOf(QStringLiteral("Second")), QStringLiteral("<none>"));
-
-    // A language with territory falls back to the bare language.
-    center.SetLanguage(QStringLiteral("de_AT"));
-    EXPECT_EQ(Hello(), QStringLiteral("Hallo (Umgebung)"));
-    EXPECT_EQ(World(), QStringLiteral("Welt (Umgebung)"));
-    EXPECT_EQ(CatalogueOf(QStringLiteral("Second")), kEnvironmentDir + QStringLiteral("/Second_de.qm"));
-
-    center.SetLanguage(QStringLiteral("it"));
-    EXPECT_EQ(Hello(), QStringLiteral("Hello"));
-    EXPECT_EQ(World(), QStringLiteral("World"));
-    EXPECT_EQ(center.RegisteredModules(), (QStringList{QStringLiteral("Probe"), QStringLiteral("Second")}));
-}
-
-TEST_F(TranslationCenterTest, MissingCatalogueLeavesTextsUntranslated)
-{
-    Application app;
-    TranslationCenter& center = TranslationCenter::Instance();
-    center.Register(QStringLiteral("Absent"));
-    center.Register(QStringLiteral("Second"));
-    EXPECT_EQ(center.RegisteredModules(), (QStringList{QStringLiteral("Absent"), QStringLiteral("Second")}));
-    EXPECT_EQ(CatalogueOf(QStringLiteral("Absent")), QStringLiteral("<none>"));
-    EXPECT_EQ(Hello(), QStringLiteral("Hello"));
-    EXPECT_EQ(World(), QStringLiteral("Welt (Umgebung)"));
+    const char* const steps[][2] = {
+        {"fr", "Bonjour (Umgebung) World | Probe=env/Probe_fr.qm Absent=- Second=-"},
+        // A language with a territory falls back to the bare language, in
+        // each directory before the next.
+        {"de_AT", "Hallo (Umgebung) Welt (Umgebung) | Probe=env/Probe_de.qm Absent=- Second=env/Second_de.qm"},
+        {"it", "Hello World | Probe=- Absent=- Second=-"},
+        {"de-CH", "Hallo (Umgebung) Welt (Umgebung) | Probe=env/Probe_de.qm Absent=- Second=env/Second_de.qm"},
+    };
+    for (const auto& step : steps) {
+        Center().SetLanguage(QLatin1String(step[0]));
+        EXPECT_EQ(Center().Language(), QLatin1String(step[0]));
+        EXPECT_EQ(State(), step[1]) << step[0];
+    }
 }
 
 TEST_F(TranslationCenterTest, RegistrationsAreCounted)
 {
-    Application app;
-    TranslationCenter& center = TranslationCenter::Instance();
-    center.Register(QStringLiteral("Probe"));
-    const QTranslator* translator = center.Translator(QStringLiteral("Probe"));
-    center.Register(QStringLiteral("Probe"));
-    EXPECT_EQ(center.Translator(QStringLiteral("Probe")), translator);
-    EXPECT_EQ(center.RegisteredModules(), QStringList{QStringLiteral("Probe")});
+    QCoreApplication app(g_argc, g_argv);
+    Center().Register(QStringLiteral("Probe"));
+    const QTranslator* translator = Center().Translator(QStringLiteral("Probe"));
+    Center().Register(QStringLiteral("Probe"));
+    EXPECT_EQ(Center().Translator(QStringLiteral("Probe")), translator); // not loaded again
+    Center().Unregister(QStringLiteral("Probe"));
+    EXPECT_EQ(State(), "Hallo (Umgebung) World | Probe=env/Probe_de.qm");
+    Center().Unregister(QStringLiteral("Probe"));
+    EXPECT_EQ(State(), "Hello World |");
 
-    center.Unregister(QStringLiteral("Probe"));
-    EXPECT_EQ(center.RegisteredModules(), QStringList{QStringLiteral("Probe")});
-    EXPECT_EQ(Hello(), QStringLiteral("Hallo (Umgebung)"));
+    // Unregistering what is not registered is harmless; a new registration
+    // after the last one went starts from one again.
+    Center().Unregister(QStringLiteral("Probe"));
+    Center().Unregister(QStringLiteral("Never"));
+    Center().Register(QStringLiteral("Probe"));
+    Center().Unregister(QStringLiteral("Probe"));
+    EXPECT_EQ(State(), "Hello World |");
+}
+TEST_F(TranslationCenterTest, LibraryRegistersOnceWhenLoadedAndWithdrawsWhenUnloaded)
+{
+    QCoreApplication app(g_argc, g_argv);
+    void* library = dlopen(TORVIXML_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(library, nullptr) << dlerror();
+    EXPECT_EQ(State(), "Hello World | TorviXML=installed/TorviXML_de.qm");
+    // GuiComponentSettings::GetGUIDockWidgetLocations() answers from it.
+    const auto locations = reinterpret_cast<QStringList (*)()>(
+        dlsym(library, "_ZN8TORVIXML20GuiComponentSettings25GetGUIDockWidgetLocationsEv"));
+    ASSERT_NE(locations, nullptr);
+    EXPECT_EQ(locations().size(), 7);
+    EXPECT_NE(locations().at(0), QLatin1String("LeftDockWidgetArea")) << "not translated";
 
-    center.Unregister(QStringLiteral("Probe"));
-    EXPECT_TRUE(center.RegisteredModules().isEmpty());
-    EXPECT_EQ(Hello(), QStringLiteral("Hello"));
-
-    center.Unregister(QStringLiteral("Probe"));
-    center.Unregister(QStringLiteral("Never"));
-    EXPECT_TRUE(center.RegisteredModules().isEmpty());
-
-    // A new registration after the last one went starts from one again.
-    center.Register(QStringLiteral("Probe"));
-    center.Unregister(QStringLiteral("Probe"));
-    EXPECT_TRUE(center.RegisteredModules().isEmpty());
+    // A second registration outlives the library, which must not take the
+    // name's characters with it.
+    Center().Register(QStringLiteral("TorviXML"));
+    EXPECT_EQ(dlclose(library), 0);
+    EXPECT_EQ(dlopen(TORVIXML_LIBRARY_FILE, RTLD_NOW | RTLD_NOLOAD), nullptr) << "still loaded";
+    EXPECT_EQ(State(), "Hello World | TorviXML=installed/TorviXML_de.qm");
+    Center().Unregister(QStringLiteral("TorviXML"));
+    EXPECT_EQ(State(), "Hello World |");
 }
 } // namespace
 
