@@ -1,41 +1,70 @@
 // The item model over the settings tree: Qt's QAbstractItemModelTester
-// watching every change, the rows, columns and roles, exact change signals,
-// and refusals that match the library's, message for message.
+// watching every change; every cell in every role, and for each change its
+// result and exactly the signals it emitted (refusals with the library's
+// message), compared with files in tests/data/gui.
 
 #include "SettingsModel.h"
-#include "TestSupport.h"
 
 #include <TorviXML/TorviXML.h>
 #include <TorviXML/TranslationCenter.h>
 
 #include <QAbstractItemModelTester>
-#include <QFile>
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <memory>
+
 using namespace TORVIXML;
-using TestSupport::kHandlerInvalid;
-using TestSupport::kLocationInvalid;
-using TestSupport::kUsageInvalid;
 
 namespace {
 
-TorviGuiModeSettings workshop()
+QStringList dataLines(const QString& name)
 {
-    QFile file(QStringLiteral(TEST_DATA_DIR "/workshop.xml"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("workshop.xml is missing");
-    TorviGuiModeSettings settings;
-    settings.SetValidate(true);
-    if (!settings.SetXmlString(QString::fromUtf8(file.readAll()), true))
-        qFatal("workshop.xml does not read");
-    return settings;
+    QFile file(QStringLiteral(TEST_DATA_DIR "/") + name);
+    file.open(QIODevice::ReadOnly);
+    return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-const QString kAppendModeRefused = QStringLiteral(
-    "TorviGuiModeSettings: Tried to append not completely defined or invalid item DataOperationMode.");
-const QString kAppendComponentRefused = QStringLiteral(
-    "DataOperationMode: Tried to append not completely defined or invalid item GuiComponentSettings.");
+// A cell as a person and an editor see it: display text ("-": none), "=value"
+// if other, choices ("{...}" if shown before), [tool tip], "*" if editable.
+QString cell(const QModelIndex& index, QStringList& choicesShown)
+{
+    QString text = index.data().isValid() ? index.data().toString() : QStringLiteral("-");
+    if (index.data(Qt::EditRole).toString() != index.data().toString())
+        text += QLatin1Char('=') + index.data(Qt::EditRole).toString();
+    const QString choices = index.data(SettingsModel::ChoicesRole).toStringList().join(QLatin1Char(','));
+    if (!choices.isEmpty())
+        text += choicesShown.contains(choices) ? QStringLiteral(" {...}") : QStringLiteral(" {%1}").arg(choices);
+    choicesShown.append(choices);
+    if (index.data(Qt::ToolTipRole).isValid())
+        text += QStringLiteral(" [%1]").arg(index.data(Qt::ToolTipRole).toString());
+    return text + (index.flags() & Qt::ItemIsEditable ? QStringLiteral(" *") : QString());
+}
+
+// A line per row with its kind and cells, components indented under their mode.
+void dump(const SettingsModel& model, const QModelIndex& parent, QStringList& lines, QStringList& choicesShown)
+{
+    const char* const kinds[] = {"handler: ", "mode: ", "component: "};
+    for (int row = 0; row < model.rowCount(parent); ++row) {
+        QStringList cells;
+        for (int column = 0; column < model.columnCount(parent); ++column)
+            cells.append(cell(model.index(row, column, parent), choicesShown));
+        const QModelIndex index = model.index(row, 0, parent);
+        lines.append(QString(parent.isValid() ? 2 : 0, QLatin1Char(' '))
+                     + QLatin1String(kinds[index.data(SettingsModel::RowKindRole).toInt()])
+                     + cells.join(QStringLiteral(" | ")));
+        dump(model, index, lines, choicesShown);
+    }
+}
+
+// An index as "row,column" after its parent's ("2,0/1,2"), or "root".
+QString path(const QModelIndex& index)
+{
+    if (!index.isValid())
+        return QStringLiteral("root");
+    return (index.parent().isValid() ? path(index.parent()) + QLatin1Char('/') : QString())
+           + QStringLiteral("%1,%2").arg(index.row()).arg(index.column());
+}
 } // namespace
 
 class SettingsModelTest : public QObject
@@ -44,11 +73,36 @@ class SettingsModelTest : public QObject
 
 private:
     SettingsModel* m_model = nullptr;
-    QAbstractItemModelTester* m_tester = nullptr;
+    std::unique_ptr<QSignalSpy> m_spies[4];
 
     QModelIndex component(int mode, int row, int column) const
     {
         return m_model->index(row, column, m_model->modeIndex(mode));
+    }
+
+    // The result of a change and the signals emitted since the last call, as
+    // "true changed(1,0/0,2 1,0/0,2 role0 role2)": indexes as paths, roles as "roleN".
+    QString outcome(bool result)
+    {
+        const char* const names[] = {"changed", "inserted", "removed", "refused"};
+        QString text = QLatin1String(result ? "true" : "false");
+        for (int i = 0; i < 4; ++i) {
+            for (const QList<QVariant>& arguments : *m_spies[i]) {
+                QStringList texts;
+                for (const QVariant& argument : arguments) {
+                    if (argument.userType() == qMetaTypeId<QModelIndex>())
+                        texts.append(path(argument.value<QModelIndex>()));
+                    else if (argument.userType() == qMetaTypeId<QVector<int>>())
+                        for (int role : argument.value<QVector<int>>())
+                            texts.append(QStringLiteral("role%1").arg(role));
+                    else
+                        texts.append(argument.toString());
+                }
+                text += QStringLiteral(" %1(%2)").arg(QLatin1String(names[i]), texts.join(QLatin1Char(' ')));
+            }
+            m_spies[i]->clear();
+        }
+        return text;
     }
 
 private Q_SLOTS:
@@ -56,255 +110,119 @@ private Q_SLOTS:
     {
         TranslationCenter::Instance().SetLanguage(QStringLiteral("en"));
         m_model = new SettingsModel;
-        // Fatal: any inconsistency the tester finds while a test changes
-        // the model aborts the test program.
-        m_tester = new QAbstractItemModelTester(m_model, QAbstractItemModelTester::FailureReportingMode::Fatal);
-        m_model->setSettings(workshop());
+        // Fatal: an inconsistency aborts the test program. It goes with the model.
+        new QAbstractItemModelTester(m_model, QAbstractItemModelTester::FailureReportingMode::Fatal, m_model);
+        TorviGuiModeSettings settings;
+        settings.SetValidate(true);
+        QVERIFY(settings.LoadXml(QStringLiteral(TEST_DATA_DIR "/workshop.xml")));
+        m_model->setSettings(settings);
+        m_spies[0].reset(new QSignalSpy(m_model, &QAbstractItemModel::dataChanged));
+        m_spies[1].reset(new QSignalSpy(m_model, &QAbstractItemModel::rowsInserted));
+        m_spies[2].reset(new QSignalSpy(m_model, &QAbstractItemModel::rowsRemoved));
+        m_spies[3].reset(new QSignalSpy(m_model, &SettingsModel::refused));
     }
 
-    void cleanup()
-    {
-        delete m_tester;
-        delete m_model;
-    }
+    void cleanup() { delete m_model; }
 
-    void rowsColumnsAndRoles()
+    void everyCellInEveryRole()
     {
-        QCOMPARE(m_model->rowCount(), 3);
-        QCOMPARE(m_model->columnCount(), 3);
-        const QModelIndex handler = m_model->index(0, SettingsModel::NameColumn);
-        QCOMPARE(handler.data().toString(), QStringLiteral("QLSManagementComponent"));
-        QCOMPARE(handler.data(Qt::EditRole).toInt(), 2);
-        QCOMPARE(handler.data(SettingsModel::ChoicesRole).toStringList(),
-                 TorviGuiModeSettings::GetOperationModeHandlers());
-        QCOMPARE(handler.data(SettingsModel::RowKindRole).toInt(), int(SettingsModel::HandlerRow));
-        QCOMPARE(m_model->rowCount(handler), 0);
-        QVERIFY(!m_model->index(0, SettingsModel::UsageColumn).data().isValid());
-        QVERIFY(!(m_model->flags(m_model->index(0, SettingsModel::DockAreaColumn)) & Qt::ItemIsEditable));
-
-        const QModelIndex service = m_model->modeIndex(1);
-        QCOMPARE(service.row(), 2);
-        QCOMPARE(service.data().toString(), QStringLiteral("Service"));
-        QCOMPARE(service.data(SettingsModel::RowKindRole).toInt(), int(SettingsModel::ModeRow));
-        QCOMPARE(m_model->rowCount(service), 3);
+        for (const char* language : {"en", "de"}) {
+            TranslationCenter::Instance().SetLanguage(QLatin1String(language));
+            QStringList lines, choicesShown;
+            for (int column = 0; column < m_model->columnCount(); ++column)
+                lines.append(m_model->headerData(column, Qt::Horizontal).toString());
+            dump(*m_model, QModelIndex(), lines, choicesShown);
+            QCOMPARE(lines, dataLines(QStringLiteral("workshop-model-%1.txt").arg(QLatin1String(language))));
+        }
+        // Modes are numbered from 0 below the handler row; children hang in column 0 only.
+        QCOMPARE(m_model->modeNumber(component(1, 2, SettingsModel::DockAreaColumn)), 1);
         QCOMPARE(m_model->rowCount(m_model->index(2, SettingsModel::UsageColumn)), 0);
-        QVERIFY(!m_model->index(2, SettingsModel::UsageColumn).data().isValid());
-        QVERIFY(!(m_model->flags(m_model->index(2, SettingsModel::UsageColumn)) & Qt::ItemIsEditable));
-
-        const QModelIndex terminal = component(1, 2, SettingsModel::NameColumn);
-        QCOMPARE(terminal.data().toString(), QStringLiteral("Terminal"));
-        QCOMPARE(terminal.parent(), service);
-        QCOMPARE(m_model->modeNumber(terminal), 1);
-        QCOMPARE(component(1, 2, SettingsModel::UsageColumn).data().toString(), QStringLiteral("DEFAULT_DISPLAY"));
-        QCOMPARE(component(1, 2, SettingsModel::UsageColumn).data(Qt::EditRole).toInt(), 1);
-        // The floating area's name keeps its blank; the chooser lists all
-        // seven areas, NoDockWidgetArea included.
-        QCOMPARE(component(1, 2, SettingsModel::DockAreaColumn).data().toString(),
-                 QStringLiteral("FloatingDockWidgetArea "));
-        QCOMPARE(component(1, 2, SettingsModel::DockAreaColumn).data(SettingsModel::ChoicesRole).toStringList(),
-                 GuiComponentSettings::GetDockWidgetLocations());
-        QVERIFY(!terminal.data(SettingsModel::ChoicesRole).isValid());
-        QCOMPARE(m_model->headerData(SettingsModel::DockAreaColumn, Qt::Horizontal).toString(),
-                 QStringLiteral("Dock area"));
-    }
-
-    void germanDisplayNamesAndHeaders()
-    {
-        // The catalogues are found beside the libraries in the build tree.
-        TranslationCenter::Instance().SetLanguage(QStringLiteral("de"));
-        QCOMPARE(component(0, 0, SettingsModel::DockAreaColumn).data().toString(),
-                 QStringLiteral("Linker Andockbereich"));
-        QCOMPARE(component(0, 0, SettingsModel::UsageColumn).data().toString(), QStringLiteral("Standardanzeige"));
-        QCOMPARE(m_model->index(0, 0).data().toString(), QStringLiteral("QLS-Verwaltungskomponente"));
-        QCOMPARE(m_model->headerData(SettingsModel::DockAreaColumn, Qt::Horizontal).toString(),
-                 QStringLiteral("Andockbereich"));
-        QCOMPARE(m_model->headerData(SettingsModel::UsageColumn, Qt::Horizontal).toString(),
-                 QStringLiteral("Verwendung"));
-        // The values stay the values.
-        QCOMPARE(component(0, 0, SettingsModel::DockAreaColumn).data(Qt::EditRole).toInt(), 0);
     }
 
     void changesSignalExactlyTheChangedCell()
     {
-        QSignalSpy changed(m_model, &QAbstractItemModel::dataChanged);
-        QSignalSpy refused(m_model, &SettingsModel::refused);
-        const QModelIndex dock = component(1, 1, SettingsModel::DockAreaColumn);
-        QVERIFY(m_model->setData(dock, int(GuiComponentSettings::RightDockWidgetArea)));
-        QCOMPARE(changed.count(), 1);
-        QCOMPARE(changed.at(0).at(0).value<QModelIndex>(), dock);
-        QCOMPARE(changed.at(0).at(1).value<QModelIndex>(), dock);
-        QCOMPARE(m_model->settings().GetDataOperationMode().at(1).GetGuiComponentSettings().at(1)
-                     .GetDockWidgetLocationAsString(),
-                 QStringLiteral("RightDockWidgetArea"));
+        const QModelIndex dock = component(0, 0, SettingsModel::DockAreaColumn);
+        QStringList outcomes = {
+            outcome(m_model->setData(dock, int(GuiComponentSettings::RightDockWidgetArea))),
+            outcome(m_model->setData(dock, int(GuiComponentSettings::RightDockWidgetArea))), // unchanged
+            outcome(m_model->setData(m_model->index(0, 0), int(TorviGuiModeSettings::VbkManagementComponent))),
+            outcome(m_model->setData(m_model->modeIndex(1), QStringLiteral("Repair"))),
+            // Only the edit role writes, an enumeration takes numbers only,
+            // a mode row has nothing in the other columns.
+            outcome(m_model->setData(dock, 0, Qt::DisplayRole)),
+            outcome(m_model->setData(dock, QStringLiteral("LeftDockWidgetArea"))),
+            outcome(m_model->setData(m_model->index(2, SettingsModel::UsageColumn), 1)),
+        };
+        QCOMPARE(m_model->settings().GetXmlString().split(QLatin1Char('\n'), Qt::SkipEmptyParts),
+                 dataLines(QStringLiteral("workshop-changed.xml")));
 
-        // The same value again changes nothing and says so by silence.
-        QVERIFY(m_model->setData(dock, int(GuiComponentSettings::RightDockWidgetArea)));
-        QCOMPARE(changed.count(), 1);
-
-        const QModelIndex handler = m_model->index(0, 0);
-        QVERIFY(m_model->setData(handler, int(TorviGuiModeSettings::VbkManagementComponent)));
-        QCOMPARE(changed.count(), 2);
-        QCOMPARE(changed.at(1).at(0).value<QModelIndex>(), handler);
-        QCOMPARE(changed.at(1).at(1).value<QModelIndex>(), handler);
-        QCOMPARE(m_model->settings().GetOperationModeHandlerAsString(), QStringLiteral("VbkManagementComponent"));
-
-        const QModelIndex modeName = m_model->modeIndex(0);
-        QVERIFY(m_model->setData(modeName, QStringLiteral("Everyday")));
-        QCOMPARE(changed.count(), 3);
-        QCOMPARE(changed.at(2).at(0).value<QModelIndex>(), modeName);
-        QCOMPARE(modeName.data().toString(), QStringLiteral("Everyday"));
-
-        // Only the edit role writes, and an enumeration takes numbers only.
-        QVERIFY(!m_model->setData(dock, 0, Qt::DisplayRole));
-        QVERIFY(!m_model->setData(dock, QStringLiteral("LeftDockWidgetArea")));
-        QVERIFY(!m_model->setData(m_model->index(2, SettingsModel::UsageColumn), 1));
-        QCOMPARE(changed.count(), 3);
-        QCOMPARE(refused.count(), 0);
-    }
-
-    void settingAnUnsetMemberToItsValueSignalsTheSetFlag()
-    {
-        // Read without validation, a component without usage element holds
-        // the default AVAILABLE unset; choosing AVAILABLE sets it.
-        TorviGuiModeSettings settings;
-        QVERIFY(settings.SetXmlString(
-            QStringLiteral("<TorviGuiModeSettings><DataOperationMode Name=\"M\"><GuiComponentSettings Name=\"C\">"
-                           "<DockWidgetLocation>TopDockWidgetArea</DockWidgetLocation></GuiComponentSettings>"
-                           "</DataOperationMode></TorviGuiModeSettings>"),
-            true));
-        m_model->setSettings(settings);
-        QSignalSpy changed(m_model, &QAbstractItemModel::dataChanged);
-        const QModelIndex usage = component(0, 0, SettingsModel::UsageColumn);
-        QCOMPARE(usage.data(Qt::EditRole).toInt(), int(GuiComponentSettings::AVAILABLE));
-        QVERIFY(m_model->setData(usage, int(GuiComponentSettings::AVAILABLE)));
-        QCOMPARE(changed.count(), 1);
-        QVERIFY(m_model->settings().GetDataOperationMode().at(0).GetGuiComponentSettings().at(0)
+        // Without validation everything is stored: a value without display
+        // name, appended default modes and components. The appended component
+        // holds the default AVAILABLE unset; choosing AVAILABLE sets it.
+        m_model->setValidate(false);
+        outcomes += {
+            outcome(m_model->setData(dock, 7)),
+            dock.data().toString() + QLatin1Char('=') + dock.data(Qt::EditRole).toString(),
+            outcome(m_model->insertRows(3, 2)),
+            outcome(m_model->insertRows(0, 1, m_model->modeIndex(2))),
+            component(2, 0, SettingsModel::UsageColumn).data(Qt::EditRole).toString(),
+            outcome(m_model->setData(component(2, 0, SettingsModel::UsageColumn), GuiComponentSettings::AVAILABLE)),
+        };
+        QVERIFY(std::as_const(m_model->settings()).GetDataOperationMode().at(2).GetGuiComponentSettings().at(0)
                     .IsGuiComponentUsageSet());
+        // Switched on again, the elements just appended refuse too.
+        m_model->setValidate(true);
+        outcomes.append(outcome(m_model->setData(m_model->modeIndex(3), QVariant())));
+        QCOMPARE(outcomes, dataLines(QStringLiteral("model-changes.txt")));
     }
 
     void validationRefusesWhatTheLibraryRefuses()
     {
         const TorviGuiModeSettings before(m_model->settings());
-        QSignalSpy changed(m_model, &QAbstractItemModel::dataChanged);
-        QSignalSpy inserted(m_model, &QAbstractItemModel::rowsInserted);
-        QSignalSpy refused(m_model, &SettingsModel::refused);
-
-        QVERIFY(!m_model->setData(component(0, 3, SettingsModel::DockAreaColumn), 7));
-        QVERIFY(!m_model->setData(component(0, 3, SettingsModel::DockAreaColumn), -1));
-        QVERIFY(!m_model->setData(component(0, 3, SettingsModel::UsageColumn), 2));
-        QVERIFY(!m_model->setData(m_model->index(0, 0), 4));
-        QVERIFY(!m_model->setData(component(0, 3, SettingsModel::NameColumn), QVariant()));
-        QVERIFY(!m_model->setData(m_model->modeIndex(1), QVariant()));
-        QVERIFY(!m_model->insertRows(m_model->rowCount(), 1));
-        QVERIFY(!m_model->insertRows(3, 2, m_model->modeIndex(1)));
-        GuiComponentSettings unnamed;
-        unnamed.ResetToDefault();
-        QVERIFY(!m_model->appendComponent(m_model->modeIndex(0), unnamed));
-
-        const QStringList messages = {kLocationInvalid,
-                                      kLocationInvalid,
-                                      kUsageInvalid,
-                                      kHandlerInvalid,
-                                      QStringLiteral("GuiComponentSettings: Please set Name properly."),
-                                      QStringLiteral("DataOperationMode: Please set Name properly."),
-                                      kAppendModeRefused,
-                                      kAppendComponentRefused,
-                                      kAppendComponentRefused};
-        QCOMPARE(refused.count(), messages.size());
-        for (int i = 0; i < messages.size(); ++i)
-            QCOMPARE(refused.at(i).at(0).toString(), messages.at(i));
-        QCOMPARE(changed.count(), 0);
-        QCOMPARE(inserted.count(), 0);
-        QVERIFY(m_model->settings() == before);
-        QCOMPARE(m_model->rowCount(), 3);
-        QCOMPARE(m_model->rowCount(m_model->modeIndex(1)), 3);
-
-        // An empty name is a name.
-        QVERIFY(m_model->setData(component(0, 3, SettingsModel::NameColumn), QString(QLatin1String(""))));
-        QCOMPARE(refused.count(), messages.size());
-    }
-
-    void withoutValidationEverythingIsStored()
-    {
-        m_model->setValidate(false);
-        QSignalSpy changed(m_model, &QAbstractItemModel::dataChanged);
-        QSignalSpy inserted(m_model, &QAbstractItemModel::rowsInserted);
-        QSignalSpy refused(m_model, &SettingsModel::refused);
-        const QModelIndex dock = component(0, 0, SettingsModel::DockAreaColumn);
-        QVERIFY(m_model->setData(dock, 7));
-        QCOMPARE(dock.data(Qt::EditRole).toInt(), 7);
-        QCOMPARE(dock.data().toString(), QString());
-        QVERIFY(m_model->insertRows(3, 2));
-        QCOMPARE(inserted.count(), 1);
-        QCOMPARE(inserted.at(0).at(0).value<QModelIndex>(), QModelIndex());
-        QCOMPARE(inserted.at(0).at(1).toInt(), 3);
-        QCOMPARE(inserted.at(0).at(2).toInt(), 4);
-        QCOMPARE(m_model->settings().GetDataOperationMode().size(), 4);
-        QVERIFY(m_model->modeIndex(3).data().toString().isNull());
-        QCOMPARE(changed.count(), 1);
-        QCOMPARE(refused.count(), 0);
-
-        // Switched on again, the elements just appended refuse too: the
-        // flag reaches them.
-        m_model->setValidate(true);
-        QVERIFY(!m_model->setData(m_model->modeIndex(3), QVariant()));
-        QCOMPARE(refused.count(), 1);
-        QCOMPARE(refused.at(0).at(0).toString(), QStringLiteral("DataOperationMode: Please set Name properly."));
+        const QStringList outcomes = {
+            outcome(m_model->setData(component(0, 3, SettingsModel::DockAreaColumn), 7)),
+            outcome(m_model->setData(component(0, 3, SettingsModel::UsageColumn), 2)),
+            outcome(m_model->setData(m_model->index(0, 0), 4)),
+            outcome(m_model->setData(component(0, 3, SettingsModel::NameColumn), QVariant())),
+            outcome(m_model->setData(m_model->modeIndex(1), QVariant())),
+            outcome(m_model->insertRows(m_model->rowCount(), 1)),
+            outcome(m_model->insertRows(3, 2, m_model->modeIndex(1))),
+            outcome(m_model->appendComponent(m_model->modeIndex(0), GuiComponentSettings())),
+            QString::number(m_model->settings() == before),
+            // An empty name is a name.
+            outcome(m_model->setData(component(0, 3, SettingsModel::NameColumn), QString(QLatin1String("")))),
+        };
+        QCOMPARE(outcomes, dataLines(QStringLiteral("model-refusals.txt")));
     }
 
     void appendingAndRemovingRows()
     {
-        QSignalSpy inserted(m_model, &QAbstractItemModel::rowsInserted);
-        QSignalSpy removed(m_model, &QAbstractItemModel::rowsRemoved);
-
-        // Rows are appended only.
-        QVERIFY(!m_model->insertRows(1, 1));
-        QVERIFY(!m_model->insertRows(0, 1, m_model->modeIndex(0)));
-
         DataOperationMode expert;
         expert.SetName(QStringLiteral("Expert"));
-        QVERIFY(m_model->appendMode(expert));
-        QCOMPARE(inserted.count(), 1);
-        QCOMPARE(inserted.at(0).at(1).toInt(), 3);
-        QCOMPARE(inserted.at(0).at(2).toInt(), 3);
         GuiComponentSettings console;
         console.ResetToDefault();
         console.SetName(QStringLiteral("Console"));
-        QVERIFY(m_model->appendComponent(m_model->modeIndex(2), console));
-        QCOMPARE(inserted.count(), 2);
-        QCOMPARE(inserted.at(1).at(0).value<QModelIndex>(), m_model->modeIndex(2));
-        QCOMPARE(inserted.at(1).at(1).toInt(), 0);
-        QCOMPARE(component(2, 0, SettingsModel::DockAreaColumn).data().toString(),
-                 QStringLiteral("NoDockWidgetArea"));
-
-        // A component of a later mode keeps its index when a mode before it
-        // goes.
         const QPersistentModelIndex terminal = component(1, 2, SettingsModel::NameColumn);
+        QStringList outcomes = {
+            // Rows are appended only.
+            outcome(m_model->insertRows(1, 1)),
+            outcome(m_model->insertRows(0, 1, m_model->modeIndex(0))),
+            outcome(m_model->appendMode(expert)),
+            outcome(m_model->setData(m_model->modeIndex(2), QVariant())), // validated like the rest
+            outcome(m_model->appendComponent(m_model->modeIndex(2), console)),
+        };
+        // The handler row stays; a component of a later mode keeps its index
+        // when a mode before it goes.
         const QPersistentModelIndex consoleIndex = component(2, 0, SettingsModel::NameColumn);
-        QVERIFY(!m_model->removeRows(0, 1)); // the handler row stays
-        QVERIFY(m_model->removeRows(1, 1));
-        QCOMPARE(removed.count(), 1);
-        QCOMPARE(removed.at(0).at(0).value<QModelIndex>(), QModelIndex());
-        QCOMPARE(removed.at(0).at(1).toInt(), 1);
-        QCOMPARE(removed.at(0).at(2).toInt(), 1);
-        QCOMPARE(terminal.data().toString(), QStringLiteral("Terminal"));
-        QCOMPARE(terminal.parent(), m_model->modeIndex(0));
-        QCOMPARE(consoleIndex.data().toString(), QStringLiteral("Console"));
-        QCOMPARE(consoleIndex.parent().data().toString(), QStringLiteral("Expert"));
-
-        QVERIFY(m_model->removeRows(0, 2, m_model->modeIndex(0)));
-        QCOMPARE(removed.count(), 2);
-        QCOMPARE(removed.at(1).at(0).value<QModelIndex>(), m_model->modeIndex(0));
-        QCOMPARE(removed.at(1).at(2).toInt(), 1);
-        QCOMPARE(terminal.row(), 0);
-        QVERIFY(!m_model->removeRows(1, 1, m_model->modeIndex(0)));
-
-        const QStringList expected = {QStringLiteral("Service"), QStringLiteral("Expert")};
-        QStringList names;
-        for (const DataOperationMode& mode : m_model->settings().GetDataOperationMode())
-            names.append(mode.GetName());
-        QCOMPARE(names, expected);
-        QCOMPARE(m_model->settings().GetDataOperationMode().at(0).GetGuiComponentSettings().size(), 1);
+        outcomes += {
+            outcome(m_model->removeRows(0, 1)),
+            outcome(m_model->removeRows(1, 1)),
+            path(terminal) + QLatin1Char(' ') + path(consoleIndex) + QLatin1Char(' ') + consoleIndex.data().toString(),
+            outcome(m_model->removeRows(0, 2, m_model->modeIndex(0))),
+            outcome(m_model->removeRows(1, 1, m_model->modeIndex(0))),
+            path(terminal) + QLatin1Char(' ') + terminal.data().toString(),
+        };
+        QCOMPARE(outcomes, dataLines(QStringLiteral("model-rows.txt")));
     }
 };
 
