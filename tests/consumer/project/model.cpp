@@ -1,6 +1,7 @@
-// An application that shows the README's settings through the installed item
-// model: the German column headers and display names, a value the library
-// refuses with its message, and an accepted change.
+// An application that shows a settings document (the test names the README's
+// example) through the installed item model: the German column headers and
+// display names, a value the library refuses with its message, and an
+// accepted change. The test compares the output with expected-model.txt.
 #include <TorviXML/SettingsModel.h>
 #include <TorviXML/TorviXML.h>
 #include <TorviXML/TranslationCenter.h>
@@ -11,45 +12,33 @@
 
 using namespace TORVIXML;
 
-namespace {
-
-void printRow(const QAbstractItemModel& model, const QModelIndex& parent, int row, const char* indent)
-{
-    QStringList cells;
-    for (int column = 0; column < model.columnCount(parent); ++column)
-        cells.append(model.index(row, column, parent).data().toString());
-    std::printf("%s%s\n", indent, cells.join(QStringLiteral("|")).toUtf8().constData());
-}
-
-} // namespace
-
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
     TranslationCenter::Instance().SetLanguage(QStringLiteral("de"));
-
     TorviGuiModeSettings settings;
     settings.SetValidate(true);
-    settings.SetXmlString(QStringLiteral(
-        "<TorviGuiModeSettings><DataOperationMode Name=\"Standard\"><GuiComponentSettings Name=\"Overview\">"
-        "<GuiComponentUsage>DEFAULT_DISPLAY</GuiComponentUsage><DockWidgetLocation>LeftDockWidgetArea"
-        "</DockWidgetLocation></GuiComponentSettings></DataOperationMode><OperationModeHandler>"
-        "PMR830ManagementComponent</OperationModeHandler></TorviGuiModeSettings>"), true);
+    if (argc != 2 || !settings.LoadXml(QString::fromLocal8Bit(argv[1])))
+        return 1;
 
     SettingsModel model;
     model.setSettings(settings);
     QObject::connect(&model, &SettingsModel::refused, [](const QString& message) {
         std::printf("refused: %s\n", message.toUtf8().constData());
     });
-    QStringList headers;
-    for (int column = 0; column < model.columnCount(); ++column)
-        headers.append(model.headerData(column, Qt::Horizontal).toString());
-    std::printf("%s\n", headers.join(QStringLiteral("|")).toUtf8().constData());
+    // The headers, then each row's cells, components indented.
+    const auto print = [&model](int row, const QModelIndex& parent, bool header) {
+        QStringList cells;
+        for (int column = 0; column < model.columnCount(parent); ++column)
+            cells.append(header ? model.headerData(column, Qt::Horizontal).toString()
+                                : model.index(row, column, parent).data().toString());
+        std::printf("%s%s\n", parent.isValid() ? "  " : "", cells.join(QStringLiteral("|")).toUtf8().constData());
+    };
+    print(0, QModelIndex(), true);
     for (int row = 0; row < model.rowCount(); ++row) {
-        printRow(model, QModelIndex(), row, "");
-        const QModelIndex parent = model.index(row, 0);
-        for (int child = 0; child < model.rowCount(parent); ++child)
-            printRow(model, parent, child, "  ");
+        print(row, QModelIndex(), false);
+        for (int child = 0; child < model.rowCount(model.index(row, 0)); ++child)
+            print(child, model.index(row, 0), false);
     }
     const QModelIndex dock = model.index(0, SettingsModel::DockAreaColumn, model.modeIndex(0));
     model.setData(dock, 7);
