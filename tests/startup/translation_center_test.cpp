@@ -1,10 +1,8 @@
 // The translation service on its own, with the test catalogues "Probe" and
 // "Second" (context "QObject") in the directories of tc/ in the build tree:
-//   env/ (named in TORVI_TRANSLATIONS_DIR): Probe_de    "Hello" -> "Hallo (Umgebung)"
-//                                           Probe_fr    "Hello" -> "Bonjour (Umgebung)"
-//                                           Second_de   "World" -> "Welt (Umgebung)"
-//   translations/ (beside the program):     Probe_de    "Hello" -> "Hallo (Programm)"
-//                                           Probe_de_AT "Hello" -> "Servus (Programm)"
+//   env/, named in TORVI_TRANSLATIONS_DIR: Probe_de "Hello" -> "Hallo (Umgebung)",
+//       Probe_fr "Hello" -> "Bonjour (Umgebung)", Second_de "World" -> "Welt (Umgebung)";
+//   translations/ beside the program: Probe_de "Hello" -> "Hallo (Programm)", Probe_de_AT -> "Servus (Programm)";
 //   empty/ (none), damaged/ (a Probe_de.qm that is not a catalogue);
 // and with the library (not linked) loaded and unloaded as a plug-in is.
 
@@ -118,8 +116,10 @@ TEST_F(TranslationCenterTest, SearchesEnvironmentThenBesideTheProgramThenInstall
         {nullptr, "translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
         {"", "translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
         // Passed by: a directory without the catalogue, and a damaged one.
-        {TEST_CATALOGUES "/empty", "empty translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
-        {TEST_CATALOGUES "/damaged", "damaged translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
+        {TEST_CATALOGUES "/empty",
+         "empty translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
+        {TEST_CATALOGUES "/damaged",
+         "damaged translations installed: Hallo (Programm) World | Probe=translations/Probe_de.qm"},
     };
     for (const auto& step : steps) {
         if (step[0])
