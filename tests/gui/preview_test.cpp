@@ -17,11 +17,10 @@ using namespace TORVIXML;
 namespace {
 
 // Compares actual with tests/data/gui/<golden>, keeping it in the build tree
-// when it differs. Font engines differ a little
-// between Qt versions (Qt 6 places some text a pixel higher than Qt 5), so a
+// when it differs. Font engines differ a little between Qt versions, so a
 // pixel differs only when no expected pixel at most one pixel away is within
-// 64 in every channel, and 0.5 % of the pixels may differ. A component in
-// another area, a missing one or the fill of the other usage changes far more.
+// 64 in every channel, and 0.05 % of the pixels may differ (none do with Qt
+// 5.15 or 6.4); a component moved to another area differs in some 700.
 void compareWithGolden(const QImage& actual, const QString& golden)
 {
     const QImage a = actual.convertToFormat(QImage::Format_RGB32);
@@ -39,7 +38,7 @@ void compareWithGolden(const QImage& actual, const QString& golden)
             different += matched ? 0 : 1;
         }
     }
-    const qint64 allowed = qint64(a.width()) * a.height() / 200;
+    const qint64 allowed = qint64(a.width()) * a.height() / 2000;
     if (a.size() == e.size() && different <= allowed)
         return;
     const QString kept = QStringLiteral(TEST_BINARY_DIR "/") + golden;
