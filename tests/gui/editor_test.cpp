@@ -93,10 +93,12 @@ private Q_SLOTS:
         QTest::keyClick(view, Qt::Key_F2);
         auto* chooser = qobject_cast<QComboBox*>(QApplication::focusWidget());
         QVERIFY(chooser);
-        QCOMPARE(chooser->currentText(), QStringLiteral("LeftDockWidgetArea"));
         QTest::keyClick(chooser, Qt::Key_Down);
         QTest::keyClick(chooser, Qt::Key_Return);
         QTRY_COMPARE(view->currentIndex().data().toString(), QStringLiteral("RightDockWidgetArea"));
+        QTest::keyClick(view, Qt::Key_F2); // opened again, the chooser shows the area now stored
+        QCOMPARE(QApplication::focusWidget()->property("currentIndex").toInt(), 1); // RightDockWidgetArea
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         QVERIFY(window.isWindowModified());
 
         QTest::keyClick(view, Qt::Key_S, Qt::ControlModifier);

@@ -49,8 +49,8 @@ void compareWithGolden(const QImage& actual, const QString& golden)
 }
 
 // The tool as a user starts it (no platform chosen, no library path, a
-// runtime directory of its own): its exit code and what it wrote to standard
-// error, as "1: ...".
+// runtime directory of its own): its exit code (-1: crashed or hung) and
+// what it wrote to standard error, as "1: ...".
 QString runTool(const QStringList& arguments)
 {
     static const QTemporaryDir runtimeDirectory;
@@ -61,9 +61,8 @@ QString runTool(const QStringList& arguments)
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeDirectory.path());
     tool.setProcessEnvironment(environment);
     tool.start(QStringLiteral(TORVIXML_TOOL_PATH), QStringList(QStringLiteral("preview")) + arguments);
-    if (!tool.waitForFinished(60000) || tool.exitStatus() != QProcess::NormalExit)
-        return QStringLiteral("crashed or hung");
-    return QString::number(tool.exitCode()) + QStringLiteral(": ") + QString::fromUtf8(tool.readAllStandardError());
+    const bool ok = tool.waitForFinished(60000) && tool.exitStatus() == QProcess::NormalExit;
+    return QStringLiteral("%1: %2").arg(ok ? tool.exitCode() : -1).arg(QString::fromUtf8(tool.readAllStandardError()));
 }
 
 } // namespace
