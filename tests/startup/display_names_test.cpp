@@ -13,7 +13,6 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTranslator>
 
 #include <array>
@@ -56,13 +55,12 @@ std::array<std::string, 2> NamesFromFile()
     std::array<std::array<QStringList, 3>, 2> names;
     QFile file(QStringLiteral(TEST_DATA_DIR "/names-de.txt"));
     file.open(QIODevice::ReadOnly);
-    const QRegularExpression entry(QStringLiteral("^ +\\d+ +\"([^\"]*)\" +\"([^\"]*)\"$"));
     int table = -1;
     for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
-        const QRegularExpressionMatch match = entry.match(line);
+        const QStringList fields = line.split(QLatin1Char('"')); // number, stored, blanks, German
         table += line.isEmpty() || line.startsWith(QLatin1Char(' ')) ? 0 : 1;
-        for (int column = 0; match.hasMatch() && table >= 0 && table < 3 && column < 2; ++column)
-            names[column][table].append(match.captured(column + 1));
+        for (int column = 0; fields.size() == 5 && table >= 0 && table < 3 && column < 2; ++column)
+            names[column][table].append(fields.at(2 * column + 1));
     }
     return {Lines(names[0]), Lines(names[1])};
 }
