@@ -42,13 +42,11 @@ struct Class<G> {
     static constexpr const char* firstMissing = "GuiComponentUsage";
     static std::vector<G> Partial()
     {
-        G nullName = Full();
-        nullName.SetName(QString());
-        G noDock = Full();
-        noDock.ResetDockWidgetLocation();
-        G noUsage = Full();
-        noUsage.ResetGuiComponentUsage();
-        return {nullName, noDock, noUsage, Component(nullptr)};
+        std::vector<G> partial(3, Full());
+        partial[0].SetName(QString());
+        partial[1].ResetDockWidgetLocation();
+        partial[2].ResetGuiComponentUsage();
+        return {partial[0], partial[1], partial[2], Component(nullptr)};
     }
     using Refusal = OutOfRangeException;
     static void Refused(G& g) { g.SetDockWidgetLocation(G::DockWidgetLocation(7)); }
@@ -91,9 +89,7 @@ public:
 };
 
 template <typename T>
-class SettingsValue : public ::testing::Test
-{
-};
+class SettingsValue : public ::testing::Test {};
 using SettingsClassTypes = ::testing::Types<G, M, R>;
 TYPED_TEST_SUITE(SettingsValue, SettingsClassTypes);
 
@@ -365,9 +361,7 @@ TEST(EnumerationMember, OperationModeHandler)
 // ---- names ------------------------------------------------------------------
 
 template <typename T>
-class NameMember : public ::testing::Test
-{
-};
+class NameMember : public ::testing::Test {};
 using NameOwners = ::testing::Types<G, M>;
 TYPED_TEST_SUITE(NameMember, NameOwners);
 
@@ -452,9 +446,7 @@ struct Modes {
 };
 
 template <typename L>
-class ListMember : public ::testing::Test
-{
-};
+class ListMember : public ::testing::Test {};
 using ListMembers = ::testing::Types<Components, Modes>;
 TYPED_TEST_SUITE(ListMember, ListMembers);
 
