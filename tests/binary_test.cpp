@@ -144,12 +144,12 @@ QVector<Row> Table(const char* name)
             if (key == "case")
                 rows.append(Row());
             EXPECT_TRUE(QByteArray(" case read from bytes zeros compressed patch limit then error tree left status ")
-                            .contains(' ' + key + ' '))
+                            .contains(QByteArray(' ' + key + ' ')))
                 << "unknown field " << key.toStdString();
         }
         if (!rows.isEmpty()) {
             QByteArray& field = rows.last()[key];
-            field += (field.isEmpty() ? "" : "\n") + line.trimmed();
+            field += QByteArray(field.isEmpty() ? "" : "\n") + line.trimmed();
         }
     }
     EXPECT_FALSE(rows.isEmpty()) << "no case in " << name;

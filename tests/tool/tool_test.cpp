@@ -324,7 +324,7 @@ TEST(Tool, SurvivesTruncatedAndRandomBytes)
     EXPECT_EQ(check.code, 1);
     EXPECT_EQ(check.out, QByteArray());
     for (int i = 1; i < files.size(); ++i)
-        EXPECT_TRUE(check.err.contains(files[i].toUtf8() + ": ")) << files[i].toStdString();
+        EXPECT_TRUE(check.err.contains(QByteArray(files[i].toUtf8() + ": "))) << files[i].toStdString();
 
     // dump and convert on prefixes that end inside a word or at a field of
     // the plain walk, where the byte accounting changes.
@@ -335,7 +335,7 @@ TEST(Tool, SurvivesTruncatedAndRandomBytes)
             const ToolRun run = runTool(arguments);
             ASSERT_TRUE(run.finished) << arguments.join(QLatin1Char(' ')).toStdString();
             EXPECT_EQ(run.code, 1) << arguments.join(QLatin1Char(' ')).toStdString();
-            EXPECT_TRUE(run.err.startsWith(file.toUtf8() + ": ")) << run.err.toStdString();
+            EXPECT_TRUE(run.err.startsWith(QByteArray(file.toUtf8() + ": "))) << run.err.toStdString();
         }
     }
     EXPECT_FALSE(QFile::exists(scratchPath(QStringLiteral("t.xml"))));
