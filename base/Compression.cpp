@@ -80,12 +80,12 @@ bool Inflate(const QByteArray& data, quint32 announced, const InflateLimits& lim
             rc = Z_DATA_ERROR;
             break;
         }
-        if (rc == Z_BUF_ERROR && zs.avail_out != 0) {
+        // Called with room to write, zlib makes no progress only when its
+        // input has run out.
+        if (rc == Z_BUF_ERROR) {
             problem = QStringLiteral("the zlib stream ends early, after %1 of the announced %2")
                           .arg(bytesText(produced)).arg(announced);
             rc = Z_DATA_ERROR;
-        } else if (rc == Z_BUF_ERROR) {
-            rc = Z_OK;
         }
     }
     if (rc != Z_STREAM_END && problem.isEmpty()) {

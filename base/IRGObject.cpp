@@ -146,10 +146,10 @@ bool IRGObject::ReadXmlText(const QString& xml)
     return ReadXmlDocument(reader, nullptr);
 }
 
+// The bytes come from ReadDevice, which has refused anything beyond the
+// maximum document size.
 bool IRGObject::ReadXmlBytes(const QByteArray& bytes)
 {
-    if (bytes.size() > m_maxDocumentSize)
-        return Fail(SizeLimitMessage(QStringLiteral("the document"), bytes.size(), m_maxDocumentSize));
     bool utf8 = false;
     {
         const XmlScreen::Decoded decoded = XmlScreen::Decode(bytes);
