@@ -352,6 +352,18 @@ TEST(BinaryForm, WorkedExamplesToTheByteAndBack)
     EXPECT_EQ(Outline(first) + Outline(second), Outline(root) + Outline(example));
     EXPECT_EQ(QVector<int>({out.byteOrder(), in.byteOrder()}), QVector<int>(2, QDataStream::LittleEndian));
 
+    // A compressed document longer than one read step (1 MiB) arrives whole.
+    M longName = Mode(nullptr, {Component("A")});
+    longName.SetName(QString(3 << 19, QLatin1Char('x')));
+    const R large = Root(R::TX470ManagementComponent, {longName});
+    QByteArray stored;
+    QDataStream toStored(&stored, QIODevice::WriteOnly);
+    large.GetCompressedBinaryRepresentation(toStored, 0);
+    QDataStream fromStored(stored);
+    R readLarge;
+    EXPECT_GT(stored.size(), 3 << 19);
+    EXPECT_TRUE(readLarge.SetBinaryRepresentation(fromStored) && readLarge == large && fromStored.atEnd());
+
     // Null texts and enumeration values outside their tables are written
     // with the byte count 0xFFFFFFFF (and read as binary/frames.txt shows);
     // the floating location with its blank.

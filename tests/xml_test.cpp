@@ -104,7 +104,8 @@ const Form kForms[] = {
      [](R& r, const QByteArray& b, const QString&) {
          QBuffer buffer;
          buffer.setData("junk" + b);
-         return buffer.open(QIODevice::ReadOnly) && buffer.seek(4) && r.LoadXml(&buffer);
+         // A read consumes the buffer, as it consumes any other device.
+         return buffer.open(QIODevice::ReadOnly) && buffer.seek(4) && r.LoadXml(&buffer) && buffer.atEnd();
      }},
     {"SetBinaryRepresentation(QByteArray&)", "array", "the document",
      [](R& r, const QByteArray& b, const QString&) { QByteArray data(b); return r.SetBinaryRepresentation(data); }},
