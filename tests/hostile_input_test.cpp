@@ -12,6 +12,7 @@
 
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 
 using namespace TestSupport;
@@ -122,6 +123,37 @@ TEST(HostileXml, AnElementCarriesAtMost1024Attributes)
               QString::fromUtf8(refused).arg(23).toStdString());
     EXPECT_EQ(ReadXml(Document("<DataOperationMode Name=\"\u00E4\U0001F600\"/><Unknown" + attributes + "/>"), true),
               QString::fromUtf8(refused).arg(54).toStdString());
+
+    // The screen measures a document as the reader decodes it: by its byte
+    // order mark or the pattern of its first character, then by the
+    // encoding its declaration names. Decoded any other way, the place
+    // moves ("\u00C3\u00A4" is two characters in Latin-1, one in UTF-8).
+    struct Encoding
+    {
+        QByteArray bom;
+        int width; // bytes per character, 1 for UTF-8; 0: Latin-1, declared
+        bool bigEndian;
+    };
+    const Encoding encodings[] = {
+        {"\xEF\xBB\xBF", 1, false}, {"\xFF\xFE", 2, false}, {"\xFE\xFF", 2, true}, {"", 2, false},
+        {"", 2, true}, {QByteArray("\xFF\xFE\0\0", 4), 4, false}, {QByteArray("\0\0\xFE\xFF", 4), 4, true},
+        {"", 4, false}, {"", 4, true}, {"", 0, false},
+    };
+    for (const Encoding& e : encodings) {
+        const QString text = Q("<?xml version=\"1.0\"%1?>\n<TorviGuiModeSettings><DataOperationMode "
+                               "Name=\"\u00C3\u00A4\"/><Unknown%2/></TorviGuiModeSettings>")
+                                 .arg(e.width == 0 ? Q(" encoding=\"ISO-8859-1\"") : QString(),
+                                      QString::fromLatin1(attributes));
+        QByteArray bytes = e.width == 0 ? text.toLatin1() : e.bom + (e.width == 1 ? text.toUtf8() : QByteArray());
+        for (int i = 0; e.width > 1 && i < text.size(); ++i) {
+            for (int k = 0; k < e.width; ++k)
+                bytes += char(k < 2 ? text.at(i).unicode() >> (8 * k) : 0);
+            if (e.bigEndian)
+                std::reverse(bytes.end() - e.width, bytes.end());
+        }
+        EXPECT_EQ(ReadXml(bytes, true), QString::fromUtf8(refused).arg(53).replace(Q("1,"), Q("2,")).toStdString())
+            << bytes.left(8).toHex().toStdString();
+    }
     attributes.truncate(attributes.lastIndexOf(' '));
     EXPECT_EQ(ReadXml(Document("<Unknown" + attributes + "/>"), true), "true\n\n2*{}");
 }
