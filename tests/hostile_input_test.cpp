@@ -78,20 +78,35 @@ TEST(HostileXml, EntityReferencesAddAtMostTheDocumentsSizePlusOneMiB)
     // of 64) spend 1056768 characters: as many as a document of 8192 may
     // add, one more than a document of 8191 may. They count wherever they
     // stand, and so do the default values a DTD gives attributes (here two
-    // to each of 129 elements); the reference or start tag that overspends
-    // is refused.
+    // to each of 129 elements) and entities that refer to them; the
+    // reference or start tag that overspends is refused. Comments,
+    // processing instructions and CDATA sections, and quoted text in the
+    // DTD, are no markup: nothing in them counts.
     const QByteArray refs = QByteArray("&e;").repeated(258);
-    const QByteArray bodies[] = {"<DataOperationMode Name=\"" + refs + "\"/>", "<Unknown>" + refs + "</Unknown>",
-                                 "<Unknown a=\"" + refs + "\"/>", QByteArray("<Defaulted/>").repeated(129)};
-    for (const QByteArray& body : bodies) {
+    const QByteArray skipped =
+        "<Unknown><!--&e;<x a='&e;'>--><![CDATA[&e;<x a='&e;'>]]]]><?pi &e;?" "?><x b='&#38;&amp;&#x26;'/></Unknown>";
+    const QByteArray quoted = "<!--<!ATTLIST Unknown c CDATA \"&e;\">--><?pi <!ATTLIST Unknown c CDATA \"&e;\">?>"
+                              "<!ENTITY q \"<!ATTLIST Unknown c CDATA '&e;'>\"><!ENTITY g \"&e;\">";
+    const struct
+    {
+        QByteArray dtd;
+        QByteArray body;
+        const char* last; // where the overspending one stands
+    } rows[] = {
+        {"", "<DataOperationMode Name=\"" + refs + "\"/>", "&e;"},
+        {"", "<Unknown>" + refs + "</Unknown>", "&e;"},
+        {"", "<Unknown a=\"" + refs + "\"/>", "&e;"},
+        {"", QByteArray("<Defaulted/>").repeated(129), "<Defaulted"},
+        {quoted, skipped + "<Unknown a=\"" + refs.mid(3) + "&g;\"/>", "&g;"},
+    };
+    for (const auto& row : rows) {
         for (const int size : {8192, 8191}) {
             QByteArray xml = "<!DOCTYPE TorviGuiModeSettings [<!ENTITY f \"" + QByteArray(64, 'x') + "\"><!ENTITY e \""
                 + QByteArray("&f;").repeated(64) + "\"><!ATTLIST Defaulted a CDATA \"&e;\">"
-                + "<!ATTLIST Defaulted b CDATA \"&e;\">]>" + Document(body);
+                + "<!ATTLIST Defaulted b CDATA \"&e;\">" + row.dtd + "]>" + Document(row.body);
             xml.insert(xml.lastIndexOf("</"), QByteArray(size - xml.size(), ' '));
-            const int column = qMax(xml.lastIndexOf("&e;"), xml.lastIndexOf("<Defaulted")) + 1;
             for (const bool file : {false, true}) {
-                SCOPED_TRACE(body.left(20).toStdString() + (file ? " in a file" : " in a string"));
+                SCOPED_TRACE(row.body.left(20).toStdString() + (file ? " in a file" : " in a string"));
                 R read;
                 const std::string outcome = ReadXml(xml, file, false, &read);
                 EXPECT_EQ(outcome.substr(0, outcome.rfind('\n')),
@@ -99,10 +114,10 @@ TEST(HostileXml, EntityReferencesAddAtMostTheDocumentsSizePlusOneMiB)
                                        : QStringLiteral("false\nat line 1, column %1: the entity references and default "
                                                         "attributes expand to more than 1056767 characters, the most "
                                                         "allowed for a document of 8191 %2")
-                                             .arg(column)
+                                             .arg(xml.lastIndexOf(row.last) + 1)
                                              .arg(Q(file ? "bytes" : "characters"))
                                              .toStdString());
-                if (size == 8192 && body.startsWith("<Data")) {
+                if (size == 8192 && row.body.startsWith("<Data")) {
                     EXPECT_EQ(read.GetDataOperationMode().at(0).GetName(), QString(258 * 4096, QLatin1Char('x')));
                 }
             }

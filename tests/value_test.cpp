@@ -103,6 +103,7 @@ TYPED_TEST(SettingsValue, IdentityIsKeptByCopiesAndTheObjectTypeIsFixed)
     EXPECT_EQ(copy.StoredClassId(), C::id);
     EXPECT_EQ(copy.GetObjectName(), Q(C::name));
     EXPECT_EQ(TypeParam(full).GetBinaryRepresentationAsQByteArray().left(4), Int(qint32(C::id)));
+    EXPECT_FALSE(TypeParam().MergeRGObject(full)); // settings are never merged
 
     TypeParam typed;
     const auto before = typed.GetObjectType();
