@@ -463,8 +463,12 @@ bool IRGObject::ReadDevice(QIODevice* device, QByteArray& data)
     if (!device)
         return Fail(QStringLiteral("no file given"));
     ReadAccess access(device);
-    if (!access.ok())
-        return Fail(QStringLiteral("cannot open for reading: %1").arg(device->errorString()));
+    if (!access.ok()) {
+        // A device the caller opened without read access has no error of
+        // its own to tell.
+        return Fail(device->isOpen() ? QStringLiteral("cannot read: the file is open for writing only")
+                                     : QStringLiteral("cannot open for reading: %1").arg(device->errorString()));
+    }
     // Bytes already in memory are shared rather than copied.
     if (auto* buffer = qobject_cast<QBuffer*>(device)) {
         const qint64 remaining = buffer->size() - buffer->pos();

@@ -84,10 +84,6 @@ inline QString IncompleteAppend(const char* owner, const char* item)
 {
     return QStringLiteral("%1: Tried to append not completely defined or invalid item %2.").arg(Q(owner), Q(item));
 }
-inline QString LengthError(const char* cls)
-{
-    return Q(cls) + Q("::SetBinary(...): Length error occurred during processing of binary representation");
-}
 
 const QString kNothingThrown = QStringLiteral("<nothing thrown>");
 
