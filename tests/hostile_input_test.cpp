@@ -79,14 +79,17 @@ TEST(HostileXml, EntityReferencesAddAtMostTheDocumentsSizePlusOneMiB)
     // add, one more than a document of 8191 may. They count wherever they
     // stand, and so do the default values a DTD gives attributes (here two
     // to each of 129 elements) and entities that refer to them; the
-    // reference or start tag that overspends is refused. Comments,
-    // processing instructions and CDATA sections, and quoted text in the
-    // DTD, are no markup: nothing in them counts.
+    // reference or start tag that overspends is refused, at its line and
+    // column in UTF-16 units. Comments, processing instructions and CDATA
+    // sections, and quoted text in the DTD, are no markup: nothing in them
+    // counts. A predefined entity or a character reference in an entity's
+    // value counts one character.
     const QByteArray refs = QByteArray("&e;").repeated(258);
     const QByteArray skipped =
         "<Unknown><!--&e;<x a='&e;'>--><![CDATA[&e;<x a='&e;'>]]]]><?pi &e;?" "?><x b='&#38;&amp;&#x26;'/></Unknown>";
     const QByteArray quoted = "<!--<!ATTLIST Unknown c CDATA \"&e;\">--><?pi <!ATTLIST Unknown c CDATA \"&e;\">?>"
                               "<!ENTITY q \"<!ATTLIST Unknown c CDATA '&e;'>\"><!ENTITY g \"&e;\">";
+    const QByteArray mixed = "<!ENTITY k \"" + QByteArray("&f;").repeated(56) + QByteArray("&amp;&#65;").repeated(32) + "\">";
     const struct
     {
         QByteArray dtd;
@@ -97,24 +100,30 @@ TEST(HostileXml, EntityReferencesAddAtMostTheDocumentsSizePlusOneMiB)
         {"", "<Unknown>" + refs + "</Unknown>", "&e;"},
         {"", "<Unknown a=\"" + refs + "\"/>", "&e;"},
         {"", QByteArray("<Defaulted/>").repeated(129), "<Defaulted"},
+        {"<!ATTLIST Two a CDATA \"&e;\" b CDATA '&e;'>", QByteArray("<Two/>").repeated(129), "<Two"},
         {quoted, skipped + "<Unknown a=\"" + refs.mid(3) + "&g;\"/>", "&g;"},
+        {mixed, "<Unknown>" + refs.mid(3) + QByteArray("&f;").repeated(7) + "&k;</Unknown>", "&k;"},
+        {"<!-- " + QByteArray("\xC3\xA4\xF0\x9F\x98\x80").repeated(3) + " -->", "<Unknown>\n\n\xC3\xA4\xF0\x9F\x98\x80" + refs + "</Unknown>", "&e;"},
     };
     for (const auto& row : rows) {
         for (const int size : {8192, 8191}) {
-            QByteArray xml = "<!DOCTYPE TorviGuiModeSettings [<!ENTITY f \"" + QByteArray(64, 'x') + "\"><!ENTITY e \""
-                + QByteArray("&f;").repeated(64) + "\"><!ATTLIST Defaulted a CDATA \"&e;\">"
-                + "<!ATTLIST Defaulted b CDATA \"&e;\">" + row.dtd + "]>" + Document(row.body);
-            xml.insert(xml.lastIndexOf("</"), QByteArray(size - xml.size(), ' '));
             for (const bool file : {false, true}) {
+                QByteArray xml = "<!DOCTYPE TorviGuiModeSettings [<!ENTITY f \"" + QByteArray(64, 'x') + "\"><!ENTITY e \""
+                    + QByteArray("&f;").repeated(64) + "\">" + row.dtd + "<!ATTLIST Defaulted a CDATA \"&e;\">"
+                    + "<!ATTLIST Defaulted b CDATA \"&e;\">]>" + Document(row.body);
+                const int length = file ? xml.size() : QString::fromUtf8(xml).size();
+                xml.insert(xml.lastIndexOf("</"), QByteArray(size - length, ' '));
+                const QString before = QString::fromUtf8(xml.left(xml.lastIndexOf(row.last)));
                 SCOPED_TRACE(row.body.left(20).toStdString() + (file ? " in a file" : " in a string"));
                 R read;
                 const std::string outcome = ReadXml(xml, file, false, &read);
                 EXPECT_EQ(outcome.substr(0, outcome.rfind('\n')),
                           size == 8192 ? "true\n"
-                                       : QStringLiteral("false\nat line 1, column %1: the entity references and default "
+                                       : QStringLiteral("false\nat line %1, column %2: the entity references and default "
                                                         "attributes expand to more than 1056767 characters, the most "
-                                                        "allowed for a document of 8191 %2")
-                                             .arg(xml.lastIndexOf(row.last) + 1)
+                                                        "allowed for a document of 8191 %3")
+                                             .arg(before.count(QLatin1Char('\n')) + 1)
+                                             .arg(before.size() - before.lastIndexOf(QLatin1Char('\n')))
                                              .arg(Q(file ? "bytes" : "characters"))
                                              .toStdString());
                 if (size == 8192 && row.body.startsWith("<Data")) {
