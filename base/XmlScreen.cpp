@@ -44,7 +44,7 @@ int InitialMib(const QByteArray& bytes)
 }
 
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-QString DecodeWith(const QByteArray& bytes, int mib, const QString& declared, bool& utf8)
+QString DecodeWith(const QByteArray& bytes, int mib, const QString& declared)
 {
     QTextCodec* codec = QTextCodec::codecForMib(mib);
     if (!declared.isEmpty()) {
@@ -53,11 +53,10 @@ QString DecodeWith(const QByteArray& bytes, int mib, const QString& declared, bo
     }
     if (!codec)
         codec = QTextCodec::codecForMib(106);
-    utf8 = codec->mibEnum() == 106;
     return codec->toUnicode(bytes);
 }
 #else
-QString DecodeWith(const QByteArray& bytes, int mib, const QString& declared, bool& utf8)
+QString DecodeWith(const QByteArray& bytes, int mib, const QString& declared)
 {
     QStringConverter::Encoding encoding = QStringConverter::Utf8;
     switch (mib) {
@@ -73,7 +72,6 @@ QString DecodeWith(const QByteArray& bytes, int mib, const QString& declared, bo
         if (const auto named = QStringConverter::encodingForName(declared.toLatin1().constData()))
             encoding = *named;
     }
-    utf8 = encoding == QStringConverter::Utf8;
     QStringDecoder decoder(encoding);
     return decoder.decode(bytes);
 }
@@ -503,7 +501,7 @@ Decoded Decode(const QByteArray& bytes)
         decoded.utf8 = true;
         return decoded;
     }
-    decoded.text = DecodeWith(bytes, InitialMib(bytes), declared, decoded.utf8);
+    decoded.text = DecodeWith(bytes, InitialMib(bytes), declared);
     return decoded;
 }
 
