@@ -87,8 +87,8 @@ TEST(HostileXml, EntityReferencesAddAtMostTheDocumentsSizePlusOneMiB)
     const QByteArray refs = QByteArray("&e;").repeated(258);
     const QByteArray skipped =
         "<Unknown><!--&e;<x a='&e;'>--><![CDATA[&e;<x a='&e;'>]]]]><?pi &e;?" "?><x b='&#38;&amp;&#x26;'/></Unknown>";
-    const QByteArray quoted = "<!--<!ATTLIST Unknown c CDATA \"&e;\">--><?pi <!ATTLIST Unknown c CDATA \"&e;\">?>"
-                              "<!ENTITY q \"<!ATTLIST Unknown c CDATA '&e;'>\"><!ENTITY g \"&e;\">";
+    const QByteArray quoted = "<!--<!ATTLIST Unknown c CDATA \"&e;\">--><?pi?><?pi <!ATTLIST Unknown c CDATA \"&e;\">?>"
+                              "<!ENTITY z \"\"><!ENTITY q \"<!ATTLIST Unknown c CDATA '&e;'>\"><!ENTITY g \"&e;\">";
     const QByteArray mixed = "<!ENTITY k \"" + QByteArray("&f;").repeated(56)
         + QByteArray("&amp;&lt;&gt;&apos;&quot;&#65;&#x42;&#67;").repeated(8) + "\">";
     const struct
