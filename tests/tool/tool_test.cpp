@@ -1,9 +1,9 @@
-// Runs the torvixml program as a separate process. Most cases are rows of a
-// table: arguments, standard input, exit status, with standard output and
-// standard error compared to golden files tests/data/tool/expected/NAME.out
-// and NAME.err (a missing file: no output). The inputs are the files of
-// tests/data/tool, the tool's working directory; @TMP@ stands for a scratch
-// directory. TORVIXML_REGENERATE_GOLDEN=1 rewrites the golden files (review
+// Runs the torvixml program as a separate process. Most cases are rows of
+// tests/data/tool/cases.txt: arguments, standard input, exit status, with
+// standard output and standard error compared to golden files
+// tests/data/tool/expected/NAME.out and NAME.err (a missing file: no
+// output). The inputs are the files of tests/data/tool, the tool's working
+// directory; @TMP@ stands for a scratch directory. TORVIXML_REGENERATE_GOLDEN=1 rewrites the golden files (review
 // the change before committing it).
 
 #include <gtest/gtest.h>
@@ -15,6 +15,8 @@
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtEndian>
+
+#include <vector>
 
 namespace {
 
@@ -112,94 +114,38 @@ void expectGolden(const QString& name, QByteArray actual)
     ADD_FAILURE() << name.toStdString() << " differs from its golden file:\n" << diff.readAllStandardOutput().toStdString();
 }
 
+// Splits at blanks.
+QStringList args(const char* text)
+{
+    return QString::fromUtf8(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
 struct Case
 {
-    const char* name;      // of the golden files
-    const char* arguments; // split at blanks
-    const char* input;     // a file of tests/data/tool for standard input, or null
-    int code;
+    QString name; // of the golden files
+    int code = 0;
+    QString input; // a file of tests/data/tool for standard input, or empty
+    QStringList arguments;
 };
 
 void PrintTo(const Case& c, std::ostream* os)
 {
-    *os << c.name;
+    *os << c.name.toStdString();
 }
 
-// clang-format off
-const Case cases[] = {
-    {"help", "--help", nullptr, 0},
-    {"version", "--version", nullptr, 0},
-    {"no-command", "", nullptr, 2},
-    {"unknown-command", "frob", nullptr, 2},
-    {"unknown-option", "check --frob", nullptr, 2},
-    {"demo", "demo @TMP@/out/nested", nullptr, 0},
-    {"demo-de", "demo --lang de @TMP@/de", nullptr, 0},
-    {"names", "names", nullptr, 0},
-    {"names-de", "names --lang de", nullptr, 0},
-    {"convert-bad-extension", "convert demo.xml @TMP@/e.txt", nullptr, 2},
-    {"convert-compress-xml", "convert demo.xml @TMP@/e.xml --compress 1", nullptr, 2},
-    {"convert-stdout-without-to", "convert demo.xml -", nullptr, 2},
-    {"convert-bad-to", "convert demo.xml @TMP@/e.bin --to json", nullptr, 2},
-    {"convert-bad-max-size", "convert demo.xml @TMP@/e.bin --max-size 12X", nullptr, 2},
-    {"convert-bad-level", "convert demo.xml @TMP@/e.bin --compress 10", nullptr, 2},
-    {"convert-one-file", "convert demo.xml", nullptr, 2},
-    {"convert-nul-to-xml", "convert nul.bin @TMP@/nul.xml", nullptr, 1},
-    {"convert-incomplete", "convert --no-validate incomplete.xml - --to xml", nullptr, 0},
-    {"convert-nameless-xml", "convert --no-validate unknown-names.xml @TMP@/out.bin", nullptr, 1},
-    {"convert-nameless-bin", "convert --no-validate unknown-name.bin @TMP@/out.bin", nullptr, 1},
-    {"convert-unknown-name", "convert unknown-names.xml @TMP@/out.bin", nullptr, 1},
-    {"convert-no-handler", "convert no-handler.xml @TMP@/out.bin", nullptr, 1},
-    {"convert-sparse", "convert @TMP@/sparse.bin @TMP@/out.xml", nullptr, 1},
-    {"check-faults", "check demo.xml example.bin no-handler.xml bad-handler.xml no-blank.xml nameless-mode.xml "
-                     "repeated.xml broken.xml long-record.bin floating.bin truncated.bin other-root.xml empty.xml",
-     nullptr, 1},
-    {"check-repeated", "check repeated.xml repeated.bin", nullptr, 0},
-    {"check-strict", "check --strict repeated.bin", nullptr, 1},
-    {"check-framing", "check framing.bin null-name.bin example.z.bin", nullptr, 1},
-    {"check-missing", "check demo.xml missing.xml broken.xml", nullptr, 2},
-    {"check-json", "check --json --strict demo.xml repeated.bin bad-handler.xml truncated.bin missing.xml", nullptr, 2},
-    {"check-xml-errors", "check byte86.xml byte318.xml laughs.xml attributes.xml", nullptr, 1},
-    {"check-stdin", "check -", "demo.xml", 0},
-    {"check-dev-stdin", "check /dev/stdin", "demo.bin", 0},
-    {"check-empty-stdin", "check -", "empty.xml", 1},
-    {"check-stdin-too-large", "check --max-size 500 -", "demo.xml", 1},
-    {"check-huge", "check @TMP@/sparse.bin /dev/zero", nullptr, 1},
-    {"check-huge-1k", "check --max-size 1K /dev/zero", nullptr, 1},
-    {"dump", "dump example.bin", nullptr, 0},
-    {"dump-compressed", "dump --limit 3 example.z.bin", nullptr, 0},
-    {"dump-stdin", "dump --limit 1 -", "demo.bin", 0},
-    {"dump-long-record", "dump long-record.bin", nullptr, 1},
-    {"dump-long-object", "dump --limit 15 long-object.bin", nullptr, 1},
-    {"dump-unknown", "dump --limit 21 unknown.bin", nullptr, 0},
-    {"dump-null-name", "dump --limit 17 null-name.bin", nullptr, 1},
-    {"dump-json", "dump --json --limit 2 long-record.bin", nullptr, 1},
-    {"dump-xml", "dump expected/format-compressed.out", nullptr, 0},
-    {"dump-xml-outline", "dump outline.xml", nullptr, 1},
-    {"dump-xml-json", "dump --json --limit 1 broken.xml", nullptr, 1},
-    {"dump-sparse", "dump @TMP@/sparse.bin", nullptr, 1},
-    {"dump-missing", "dump missing.bin", nullptr, 2},
-    {"dump-bad-limit", "dump --limit -1 example.bin", nullptr, 2},
-    {"format-compressed", "format demo.z.bin", nullptr, 0},
-    {"format-refused", "format bad-handler.xml -o @TMP@/bad.xml", nullptr, 1},
-    {"format-bad-indent", "format demo.xml --indent 17", nullptr, 2},
-    {"diff-equal", "diff demo.xml demo.z.bin", nullptr, 0},
-    {"diff", "diff diff-a.xml diff-b.bin", nullptr, 1},
-    {"diff-json", "diff --json diff-a.xml diff-b.bin", nullptr, 1},
-    {"diff-json-equal", "diff --json - demo.bin", "demo.xml", 0},
-    {"diff-unreadable", "diff broken.xml unknown-names.xml", nullptr, 2},
-    {"diff-one-file", "diff demo.xml", nullptr, 2},
-    {"diff-two-stdin", "diff - -", nullptr, 2},
-    {"diff-help", "diff --help", nullptr, 0},
-    {"quiet-check", "check --quiet demo.xml", nullptr, 0},
-    {"quiet-check-bad", "check -q demo.xml truncated.bin", nullptr, 1},
-    {"quiet-dump", "dump --quiet example.bin", nullptr, 0},
-    {"quiet-convert", "convert --quiet demo.xml @TMP@/out.bin", nullptr, 0},
-    {"quiet-format", "format -q min.xml", nullptr, 0},
-    {"quiet-names", "names --quiet", nullptr, 0},
-    {"quiet-demo", "demo --quiet @TMP@/demo", nullptr, 0},
-    {"quiet-diff", "diff --quiet diff-a.xml diff-b.bin", nullptr, 1},
-};
-// clang-format on
+// The rows of tests/data/tool/cases.txt.
+std::vector<Case> cases()
+{
+    std::vector<Case> rows;
+    for (const QByteArray& line : readBytes(dataDir + QStringLiteral("/cases.txt")).split('\n')) {
+        QStringList fields = args(line.constData());
+        if (fields.size() < 3 || fields[0].startsWith(QLatin1Char('#')))
+            continue;
+        rows.push_back({fields[0], fields[1].toInt(), fields[2] == QLatin1String("-") ? QString() : fields[2],
+                        fields.mid(3)});
+    }
+    return rows;
+}
 
 class Golden : public ::testing::TestWithParam<Case>
 {
@@ -208,16 +154,15 @@ class Golden : public ::testing::TestWithParam<Case>
 TEST_P(Golden, PrintsAndExitsAsRecorded)
 {
     const Case& c = GetParam();
-    const ToolRun run = runTool(QString::fromUtf8(c.arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts),
-                                c.input ? readBytes(dataDir + QLatin1Char('/') + QLatin1String(c.input)) : QByteArray());
+    const ToolRun run = runTool(c.arguments, c.input.isEmpty() ? QByteArray() : readBytes(dataDir + QLatin1Char('/') + c.input));
     ASSERT_TRUE(run.finished);
     EXPECT_EQ(run.code, c.code);
-    expectGolden(QLatin1String(c.name) + QStringLiteral(".out"), run.out);
-    expectGolden(QLatin1String(c.name) + QStringLiteral(".err"), run.err);
+    expectGolden(c.name + QStringLiteral(".out"), run.out);
+    expectGolden(c.name + QStringLiteral(".err"), run.err);
 }
 
-INSTANTIATE_TEST_SUITE_P(Tool, Golden, ::testing::ValuesIn(cases), [](const ::testing::TestParamInfo<Case>& info) {
-    return QString::fromLatin1(info.param.name).replace(QLatin1Char('-'), QLatin1Char('_')).toStdString();
+INSTANTIATE_TEST_SUITE_P(Tool, Golden, ::testing::ValuesIn(cases()), [](const ::testing::TestParamInfo<Case>& info) {
+    return QString(info.param.name).replace(QLatin1Char('-'), QLatin1Char('_')).toStdString();
 });
 
 QByteArray data(const char* name)
@@ -230,34 +175,30 @@ TEST(Tool, WritesTheDocumentsItPromises)
     // XML, plain and compressed binary, each converted to the others; a
     // byte order mark and blanks before the first tag still make XML.
     const struct {
-        QStringList arguments;
-        QString output;
+        const char* arguments;
+        const char* output;
         QByteArray expected;
     } steps[] = {
-        {{QStringLiteral("bom-demo.xml"), QStringLiteral("@TMP@/a.bin")}, QStringLiteral("a.bin"), data("demo.bin")},
-        {{QStringLiteral("@TMP@/a.bin"), QStringLiteral("@TMP@/b.xml")}, QStringLiteral("b.xml"), data("demo.xml")},
-        {{QStringLiteral("@TMP@/b.xml"), QStringLiteral("@TMP@/c.BIN"), QStringLiteral("--compress"), QStringLiteral("9")},
-         QStringLiteral("c.BIN"), qCompress(data("demo.bin"), 9)},
-        {{QStringLiteral("@TMP@/c.BIN"), QStringLiteral("@TMP@/d.xml")}, QStringLiteral("d.xml"), data("demo.xml")},
-        {{QStringLiteral("nul.bin"), QStringLiteral("@TMP@/nul.bin")}, QStringLiteral("nul.bin"), data("nul.bin")},
+        {"bom-demo.xml @TMP@/a.bin", "a.bin", data("demo.bin")},
+        {"@TMP@/a.bin @TMP@/b.xml", "b.xml", data("demo.xml")},
+        {"@TMP@/b.xml @TMP@/c.BIN --compress 9", "c.BIN", qCompress(data("demo.bin"), 9)},
+        {"@TMP@/c.BIN @TMP@/d.xml", "d.xml", data("demo.xml")},
+        {"nul.bin @TMP@/nul.bin", "nul.bin", data("nul.bin")},
     };
     for (const auto& step : steps) {
-        const ToolRun run = runTool(QStringList{QStringLiteral("convert")} + step.arguments);
+        const ToolRun run = runTool(args("convert") + args(step.arguments));
         EXPECT_EQ(run.code, 0) << run.err.toStdString();
-        EXPECT_EQ(readBytes(scratchPath(step.output)), step.expected) << step.output.toStdString();
+        EXPECT_EQ(readBytes(scratchPath(QLatin1String(step.output))), step.expected) << step.output;
     }
     // Through pipes, both ways; indented XML converts back to the same bytes.
-    EXPECT_EQ(runTool({QStringLiteral("convert"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("--to"),
-                       QStringLiteral("bin")}, data("demo.xml")).out, data("demo.bin"));
-    EXPECT_EQ(runTool({QStringLiteral("convert"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("--to"),
-                       QStringLiteral("XML")}, data("demo.bin")).out, data("demo.xml"));
-    runTool({QStringLiteral("format"), QStringLiteral("demo.xml"), QStringLiteral("-o"), QStringLiteral("@TMP@/p.xml"),
-             QStringLiteral("--indent"), QStringLiteral("0")});
+    EXPECT_EQ(runTool(args("convert - - --to bin"), data("demo.xml")).out, data("demo.bin"));
+    EXPECT_EQ(runTool(args("convert - - --to XML"), data("demo.bin")).out, data("demo.xml"));
+    runTool(args("format demo.xml -o @TMP@/p.xml --indent 0"));
     EXPECT_TRUE(readBytes(scratchPath(QStringLiteral("p.xml"))).contains("\n<DockWidgetLocation>FloatingDockWidgetArea </"));
-    runTool({QStringLiteral("convert"), QStringLiteral("@TMP@/p.xml"), QStringLiteral("@TMP@/p.bin")});
+    runTool(args("convert @TMP@/p.xml @TMP@/p.bin"));
     EXPECT_EQ(readBytes(scratchPath(QStringLiteral("p.bin"))), data("demo.bin"));
     // The demo writes both forms and nothing else.
-    runTool({QStringLiteral("demo"), QStringLiteral("@TMP@/demo")});
+    runTool(args("demo @TMP@/demo"));
     EXPECT_EQ(entries(scratchPath(QStringLiteral("demo"))), QStringList({QStringLiteral("settings.bin"), QStringLiteral("settings.xml")}));
     EXPECT_EQ(readBytes(scratchPath(QStringLiteral("demo/settings.bin"))), data("demo.bin"));
     EXPECT_EQ(readBytes(scratchPath(QStringLiteral("demo/settings.xml"))), data("demo.xml"));
@@ -269,26 +210,20 @@ TEST(Tool, FailedWritesLeaveTheOldOutputAlone)
     writeBytes(scratchPath(QStringLiteral("old.bin")), previous);
     writeBytes(scratchPath(QStringLiteral("old.xml")), previous);
     const QStringList before = entries(scratch().path());
-    const QStringList failing[] = {
-        {QStringLiteral("convert"), QStringLiteral("no-handler.xml"), QStringLiteral("@TMP@/old.bin")},
-        {QStringLiteral("convert"), QStringLiteral("truncated.bin"), QStringLiteral("@TMP@/old.xml")},
-        {QStringLiteral("convert"), QStringLiteral("missing.xml"), QStringLiteral("@TMP@/old.xml")},
-        {QStringLiteral("convert"), QStringLiteral("--no-validate"), QStringLiteral("unknown-names.xml"), QStringLiteral("@TMP@/old.bin")},
-        {QStringLiteral("format"), QStringLiteral("bad-handler.xml"), QStringLiteral("-o"), QStringLiteral("@TMP@/old.xml")},
-        {QStringLiteral("convert"), QStringLiteral("demo.xml"), QStringLiteral("@TMP@/e.xml"), QStringLiteral("--compress"), QStringLiteral("1")},
-    };
-    for (const QStringList& arguments : failing)
-        EXPECT_NE(runTool(arguments).code, 0) << arguments.join(QLatin1Char(' ')).toStdString();
+    for (const char* arguments :
+         {"convert no-handler.xml @TMP@/old.bin", "convert truncated.bin @TMP@/old.xml", "convert missing.xml @TMP@/old.xml",
+          "convert --no-validate unknown-names.xml @TMP@/old.bin", "format bad-handler.xml -o @TMP@/old.xml",
+          "convert demo.xml @TMP@/e.xml --compress 1"})
+        EXPECT_NE(runTool(args(arguments)).code, 0) << arguments;
     EXPECT_EQ(readBytes(scratchPath(QStringLiteral("old.bin"))), previous);
     EXPECT_EQ(readBytes(scratchPath(QStringLiteral("old.xml"))), previous);
     EXPECT_EQ(entries(scratch().path()), before);
 
     // A directory that does not exist, and a full device for standard output.
-    ToolRun run = runTool({QStringLiteral("convert"), QStringLiteral("demo.xml"), QStringLiteral("@TMP@/none/out.bin")});
+    ToolRun run = runTool(args("convert demo.xml @TMP@/none/out.bin"));
     EXPECT_EQ(run.code, 2);
     EXPECT_TRUE(run.err.startsWith(scratchPath(QStringLiteral("none/out.bin: cannot open for writing: ")).toUtf8()));
-    run = runTool({QStringLiteral("convert"), QStringLiteral("demo.xml"), QStringLiteral("-"), QStringLiteral("--to"),
-                   QStringLiteral("xml")}, QByteArray(), QStringLiteral("/dev/full"));
+    run = runTool(args("convert demo.xml - --to xml"), QByteArray(), QStringLiteral("/dev/full"));
     EXPECT_EQ(run.code, 2);
     EXPECT_EQ(run.err, QByteArray("-: cannot write: No space left on device\n"));
 }
