@@ -289,9 +289,11 @@ void CheckEnumeration(const Enumeration<O, V>& e)
     EXPECT_EQ((o.*e.nameTo)(QString()), -1);
     // Finding a known name leaves a new object alone; every other read
     // initialises it without marking anything set.
-    const O untouched;
+    const O untouched, named;
     (untouched.*e.nameTo)(names[0]);
+    (named.*e.toName)(V(0));
     EXPECT_FALSE(untouched.IsInitialized());
+    EXPECT_TRUE(named.IsInitialized());
     EXPECT_TRUE(o.IsInitialized());
     EXPECT_FALSE(o.AnyData());
     // The unknown-name answer is the object's own invalid value.
