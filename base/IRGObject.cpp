@@ -53,8 +53,7 @@ bool readChunked(QDataStream& stream, quint32 size, QByteArray& out)
         const quint32 chunk = qMin(Step, size - done);
         out.resize(int(done + chunk));
         if (stream.readRawData(out.data() + done, int(chunk)) != int(chunk)) {
-            out.clear();
-            stream.setStatus(QDataStream::ReadPastEnd);
+            out.clear(); // the short read has set ReadPastEnd
             return false;
         }
         done += chunk;

@@ -467,3 +467,12 @@ TEST(BinaryForm, AnElementCountMakesRoomOnlyForWhatTheBytesCanHold)
         EXPECT_EQ(root.GetDataOperationMode().capacity(), records.size() > 300000 ? 75000 : 4);
     }
 }
+
+TEST(BinaryForm, ATextLongerThanAnArrayHoldsPassesOverTheWholeStream)
+{
+    // A text of 2 GiB announced in front of 1.5 MiB: all of it is passed
+    // over, however many read steps that takes.
+    const QByteArray bytes = Frame(Record(kNameId, Int(qint32(0x80000000u)) + QByteArray(3 << 19, 'x')));
+    for (const bool pipe : {false, true})
+        EXPECT_EQ(ReadFrame(M(), bytes, pipe), "done\n''*[]\nleft 0, ReadPastEnd") << pipe;
+}

@@ -390,10 +390,14 @@ TYPED_TEST(NameMember, NullIsNoNameAndResetsGiveNullNotTheDefault)
     o.ResetToDefault();
     EXPECT_FALSE(o.IsNameSet());
 
-    // Outside validation mode a null name is stored and marked set.
+    // Outside validation mode a null name is stored and marked set; a check
+    // still asks for a name.
     o.SetName(QString());
     EXPECT_TRUE(o.IsNameSet());
     EXPECT_TRUE(o.GetName().isNull());
+    TypeParam nameless = Class<TypeParam>::Full();
+    nameless.SetName(QString());
+    EXPECT_EQ(MessageOf<OutOfRangeException>([&] { nameless.Check(); }), PleaseSet(cls, "Name"));
     o.SetValidate(true);
     o.SetName(Q("Kept"));
     EXPECT_EQ(MessageOf<OutOfRangeException>([&] { o.SetName(QString()); }), PleaseSet(cls, "Name"));
