@@ -104,6 +104,7 @@ TEST(HostileXml, EntityReferencesAddAtMostTheDocumentsSizePlusOneMiB)
         {"<!ATTLIST Two a CDATA \"&e;\" b CDATA '&e;'>", QByteArray("<Two/>").repeated(129), "<Two"},
         {quoted, skipped + "<Unknown a=\"" + refs.mid(3) + "&g;\"/>", "&g;"},
         {mixed, "<Unknown>" + refs.mid(3) + QByteArray("&f;").repeated(7) + "&k;</Unknown>", "&k;"},
+        {"<!ATTLIST TorviGuiModeSettings r CDATA \"&e;\">", "<Unknown>" + refs.mid(3) + "</Unknown>", "&e;"},
         {"<!-- " + QByteArray("\xC3\xA4\xF0\x9F\x98\x80").repeated(3) + " -->", "<Unknown>\n\n\xC3\xA4\xF0\x9F\x98\x80" + refs + "</Unknown>", "&e;"},
     };
     for (const auto& row : rows) {
@@ -146,6 +147,7 @@ TEST(HostileXml, AnElementCarriesAtMost1024Attributes)
     const QByteArray refused = "false\nat line 1, column %1: the element has more than 1024 attributes\nunchanged";
     EXPECT_EQ(ReadXml(Document("<Unknown" + attributes + "/>"), false),
               QString::fromUtf8(refused).arg(23).toStdString());
+    EXPECT_EQ(ReadXml("<TorviGuiModeSettings" + attributes + "/>", false), QString::fromUtf8(refused).arg(1).toStdString());
     EXPECT_EQ(ReadXml(Document("<DataOperationMode Name=\"\u00E4\U0001F600\"/><Unknown" + attributes + "/>"), true),
               QString::fromUtf8(refused).arg(54).toStdString());
 
