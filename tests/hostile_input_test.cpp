@@ -105,6 +105,7 @@ TEST(HostileXml, EntityReferencesAddAtMostTheDocumentsSizePlusOneMiB)
         {quoted, skipped + "<Unknown a=\"" + refs.mid(3) + "&g;\"/>", "&g;"},
         {mixed, "<Unknown>" + refs.mid(3) + QByteArray("&f;").repeated(7) + "&k;</Unknown>", "&k;"},
         {"<!ATTLIST TorviGuiModeSettings r CDATA \"&e;\">", "<Unknown>" + refs.mid(3) + "</Unknown>", "&e;"},
+        {"<!ATTLIST Cr a CDATA \"&#65;&#66;&#x43;&#68;\">", "<Unknown>" + refs.mid(3) + "</Unknown>" + QByteArray("<Cr/>").repeated(1024), "<Cr"},
         {"<!-- " + QByteArray("\xC3\xA4\xF0\x9F\x98\x80").repeated(3) + " -->", "<Unknown>\n\n\xC3\xA4\xF0\x9F\x98\x80" + refs + "</Unknown>", "&e;"},
     };
     for (const auto& row : rows) {
@@ -148,6 +149,7 @@ TEST(HostileXml, AnElementCarriesAtMost1024Attributes)
     EXPECT_EQ(ReadXml(Document("<Unknown" + attributes + "/>"), false),
               QString::fromUtf8(refused).arg(23).toStdString());
     EXPECT_EQ(ReadXml("<TorviGuiModeSettings" + attributes + "/>", false), QString::fromUtf8(refused).arg(1).toStdString());
+    EXPECT_EQ(ReadXml(" <TorviGuiModeSettings" + attributes + "/>", true), QString::fromUtf8(refused).arg(2).toStdString());
     EXPECT_EQ(ReadXml(Document("<DataOperationMode Name=\"\u00E4\U0001F600\"/><Unknown" + attributes + "/>"), true),
               QString::fromUtf8(refused).arg(54).toStdString());
 
