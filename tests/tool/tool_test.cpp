@@ -3,8 +3,9 @@
 // standard output and standard error compared to golden files
 // tests/data/tool/expected/NAME.out and NAME.err (a missing file: no
 // output). The inputs are the files of tests/data/tool, the tool's working
-// directory; @TMP@ stands for a scratch directory. TORVIXML_REGENERATE_GOLDEN=1 rewrites the golden files (review
-// the change before committing it).
+// directory; @TMP@ stands for a scratch directory.
+// TORVIXML_REGENERATE_GOLDEN=1 rewrites the golden files (review the change
+// before committing it).
 
 #include <gtest/gtest.h>
 
